@@ -1,0 +1,132 @@
+// Load of 100,000 STEMS rows into a Buffer state, against a plain SQLite loop reading the same
+// rows into structs; and the rate of Commit inserts.
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "providers/embedded/embedded_store.hpp"
+#include "vrdppo/production/stems.hpp"
+#include "vrdppo/render.hpp"
+
+namespace {
+
+constexpr int kRows = 100000;
+
+struct Store {
+  std::string path;
+  std::u16string connect;
+};
+
+void exec(sqlite3* db, const char* sql) {
+  char* message = nullptr;
+  if (sqlite3_exec(db, sql, nullptr, nullptr, &message) != SQLITE_OK) {
+    std::string m = message ? message : "?";
+    sqlite3_free(message);
+    throw std::runtime_error(m);
+  }
+}
+
+// A store holding kRows stems, made once per process.
+const Store& store() {
+  static const Store s = [] {
+    Store st;
+    st.path = (std::filesystem::temp_directory_path() / "vrdppo-bench.db").string();
+    vrdppo::embedded::releaseStore(st.path);
+    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(st.path + suffix);
+    vrdppo::embedded::openStore(st.path);
+    sqlite3* db = nullptr;
+    sqlite3_open(st.path.c_str(), &db);
+    exec(db, "BEGIN");
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_prepare_v2(db,
+                       "INSERT INTO STEMS (TotalNetWeight, ContainerStart, ContainerEnd, "
+                       "StemTypeId, ProductionRunId) VALUES (?, ?, ?, ?, ?)",
+                       -1, &insert, nullptr);
+    for (int i = 0; i < kRows; ++i) {
+      sqlite3_bind_double(insert, 1, 100.0 + i % 1000 / 4.0);
+      if (i % 3 == 0) {
+        sqlite3_bind_null(insert, 2);
+      } else {
+        sqlite3_bind_int(insert, 2, i);
+      }
+      sqlite3_bind_int(insert, 3, i + 12);
+      sqlite3_bind_int(insert, 4, i % 7);
+      sqlite3_bind_int(insert, 5, 1 + i / 1000);
+      sqlite3_step(insert);
+      sqlite3_reset(insert);
+    }
+    sqlite3_finalize(insert);
+    exec(db, "COMMIT");
+    sqlite3_close(db);
+    st.connect = vrdppo::embedded::connectString(st.path);
+    return st;
+  }();
+  return s;
+}
+
+void BM_LoadStemsIntoBuffer(benchmark::State& state) {
+  const Store& s = store();
+  vrdppo::cStemsPersist stems;
+  std::size_t chars = 0;
+  for (auto _ : state) {
+    const std::u16string buffer = stems.Load(u"", s.connect);
+    chars = buffer.size();
+    benchmark::DoNotOptimize(buffer.data());
+  }
+  if (chars != 9u + 43u * kRows) state.SkipWithError("wrong state length");
+  state.SetItemsProcessed(state.iterations() * kRows);
+}
+
+// The baseline: what the same rows cost read straight from SQLite into structs.
+void BM_PlainSqliteIntoStructs(benchmark::State& state) {
+  const Store& s = store();
+  std::vector<vrdppo::StemsRecord> rows;
+  for (auto _ : state) {
+    sqlite3* db = nullptr;
+    sqlite3_open_v2(s.path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_stmt* select = nullptr;
+    sqlite3_prepare_v2(db, "SELECT * FROM STEMS", -1, &select, nullptr);
+    rows.clear();
+    while (sqlite3_step(select) == SQLITE_ROW) {
+      vrdppo::StemsRecord r{};
+      r.StemsId = sqlite3_column_int(select, 0);
+      r.TotalNetWeight = sqlite3_column_double(select, 1);
+      r.ContainerStart = sqlite3_column_int(select, 2);
+      r.ContainerEnd = sqlite3_column_int(select, 3);
+      r.StemTypeID = sqlite3_column_int(select, 4);
+      r.ProductionRunId = sqlite3_column_int(select, 5);
+      rows.push_back(r);
+    }
+    sqlite3_finalize(select);
+    sqlite3_close(db);
+    benchmark::DoNotOptimize(rows.data());
+  }
+  if (rows.size() != kRows) state.SkipWithError("wrong row count");
+  state.SetItemsProcessed(state.iterations() * kRows);
+}
+
+void BM_CommitInsert(benchmark::State& state) {
+  const Store& s = store();
+  vrdppo::cStemsPersist stems;
+  vrdppo::initialiseRecord(stems.layout(), stems.recordBytes());
+  stems.record().TotalNetWeight = 125.5;
+  stems.record().ContainerEnd = 12;
+  stems.record().StemTypeID = 3;
+  stems.record().ProductionRunId = 999999;
+  const std::u16string fresh = stems.GetState();
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(stems.Commit(fresh, s.connect));
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+
+}  // namespace
+
+BENCHMARK(BM_LoadStemsIntoBuffer)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_PlainSqliteIntoStructs)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_CommitInsert)->Unit(benchmark::kMicrosecond)->MinTime(2.0);
+BENCHMARK_MAIN();

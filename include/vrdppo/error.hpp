@@ -1,0 +1,56 @@
+// The one exception type of the library: a numbered error as the platform's clients know it.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace vrdppo {
+
+// Numbers of the runtime and recordset errors the library raises itself.
+namespace err {
+inline constexpr std::int32_t kInvalidCall = 5;
+inline constexpr std::int32_t kOverflow = 6;
+inline constexpr std::int32_t kOutOfMemory = 7;
+inline constexpr std::int32_t kDivisionByZero = 11;
+inline constexpr std::int32_t kTypeMismatch = 13;
+inline constexpr std::int32_t kInvalidUseOfNull = 94;
+inline constexpr std::int32_t kNoCurrentRecord = 3021;
+inline constexpr std::int32_t kItemNotFound = 3265;
+inline constexpr std::int32_t kObjectClosed = 3704;
+// Provider failures carry the provider's HRESULT as their number.
+inline constexpr std::int32_t kCommandError = static_cast<std::int32_t>(0x80040E14u);
+inline constexpr std::int32_t kMissingTable = static_cast<std::int32_t>(0x80040E37u);
+inline constexpr std::int32_t kProviderFailure = static_cast<std::int32_t>(0x80004005u);
+// Late-bound dispatch: member or class unknown, wrong argument count.
+inline constexpr std::int32_t kMemberNotFound = 438;
+inline constexpr std::int32_t kCannotCreate = 429;
+inline constexpr std::int32_t kArgumentNotOptional = 449;
+}  // namespace err
+
+class Error : public std::runtime_error {
+ public:
+  Error(std::int32_t number, std::string description, std::string source = "vrdppo",
+        std::string sqlState = {}, std::int32_t nativeError = 0);
+
+  std::int32_t number() const noexcept { return number_; }
+  const std::string& description() const noexcept { return description_; }
+  const std::string& source() const noexcept { return source_; }
+  const std::string& sqlState() const noexcept { return sqlState_; }
+  std::int32_t nativeError() const noexcept { return nativeError_; }
+
+  // The platform's standard error of that number, with its standard text.
+  static Error runtime(std::int32_t number);
+
+ private:
+  std::int32_t number_;
+  std::string description_;
+  std::string source_;
+  std::string sqlState_;
+  std::int32_t nativeError_;
+};
+
+// The standard text of a runtime or recordset error number, empty when unknown.
+const char* standardErrorText(std::int32_t number) noexcept;
+
+}  // namespace vrdppo

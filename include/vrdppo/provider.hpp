@@ -1,0 +1,90 @@
+// The data-provider interface: the few connection calls the gateway needs, and the registry that
+// picks a provider by the connection string.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vrdppo/recordset.hpp"
+
+namespace vrdppo {
+
+inline constexpr int adUseClient = 3;
+inline constexpr int adOptionUnspecified = -1;
+
+// One connection of a provider, opened for one statement and released after it.
+class ProviderConnection {
+ public:
+  virtual ~ProviderConnection() = default;
+  virtual void setCursorLocation(int location) = 0;
+  virtual void open(const std::u16string& connect, const std::u16string& user,
+                    const std::u16string& password, int options) = 0;
+  // Runs the text and returns its first result, fetched whole: an open recordset when it has
+  // rows, a closed one otherwise. Failures raise vrdppo::Error.
+  virtual std::shared_ptr<Recordset> execute(const std::u16string& sql, int options) = 0;
+  virtual void setCommandTimeout(int seconds) = 0;
+  virtual void close() = 0;
+};
+
+using ProviderFactory = std::function<std::unique_ptr<ProviderConnection>()>;
+using ProviderMatcher = std::function<bool(std::u16string_view connect)>;
+
+// Providers are tried from the last registered to the first; the first whose matcher accepts the
+// connection string makes the connection.
+namespace providers {
+
+// Registers a provider and returns a token for unregister. A builtin provider (the library's
+// own) ranks below every other, whenever either was registered.
+int add(std::string name, ProviderMatcher matches, ProviderFactory make, bool builtin = false);
+void remove(int token);
+// The connection for a connection string; error 3706-like provider failure when none matches.
+std::unique_ptr<ProviderConnection> connect(std::u16string_view connect);
+// The name of the provider that would take the string, empty when none.
+std::string nameFor(std::u16string_view connect);
+
+// Keeps a registration for its lifetime.
+class Registration {
+ public:
+  Registration(std::string name, ProviderMatcher matches, ProviderFactory make)
+      : token_(add(std::move(name), std::move(matches), std::move(make))) {}
+  ~Registration() { remove(token_); }
+  Registration(const Registration&) = delete;
+  Registration& operator=(const Registration&) = delete;
+
+ private:
+  int token_;
+};
+
+}  // namespace providers
+
+// ADODB.Connection: the object an operation creates, opens, uses and releases. The provider is
+// chosen when it opens, by its connection string; settings made before that are handed on then.
+class Connection {
+ public:
+  Connection() = default;
+  ~Connection();  // releases the provider's connection, closed or not
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  void setCursorLocation(int location);
+  void setCommandTimeout(int seconds);
+  void Open(const std::u16string& connect, const std::u16string& user = {},
+            const std::u16string& password = {}, int options = adOptionUnspecified);
+  std::shared_ptr<Recordset> Execute(const std::u16string& sql, int options = adOptionUnspecified);
+  void Close();
+  int State() const noexcept;
+
+ private:
+  std::unique_ptr<ProviderConnection> impl_;
+  bool open_ = false;
+  int cursorLocation_ = 0;  // 0: the provider's default
+  int timeout_ = -1;        // -1: the provider's default
+};
+
+// The value of a key in a "key=value;key=value" connection string (keys without regard to case,
+// braces around a value removed); empty when absent.
+std::u16string connectionValue(std::u16string_view connect, std::u16string_view key);
+
+}  // namespace vrdppo

@@ -1,0 +1,64 @@
+// A disconnected recordset: the whole first result of a statement, fetched before it is returned.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vrdppo/variant.hpp"
+
+namespace vrdppo {
+
+// ADO's object states.
+inline constexpr int adStateClosed = 0;
+inline constexpr int adStateOpen = 1;
+
+class Recordset {
+ public:
+  // A closed recordset: what a statement without a row set gives.
+  Recordset() = default;
+  // An open recordset of these columns; rows are appended with addRow.
+  explicit Recordset(std::vector<std::u16string> columns);
+
+  // Appends one row; its size must equal the column count.
+  void addRow(std::vector<Variant> row);
+  // Appends one cell to the row being built; providers fill rows cell by cell.
+  void pushCell(Variant v) { cells_.push_back(std::move(v)); }
+  // Positions on the first row; providers call it once all rows are in.
+  void rewind();
+
+  int State() const noexcept { return open_ ? adStateOpen : adStateClosed; }
+  bool EOF_() const;  // ADO's EOF (the macro name EOF is taken)
+  bool BOF() const;
+  void MoveNext();
+  void Close();
+
+  // Fields(name): the current row's value, names compared without regard to case.
+  const Variant& Fields(std::u16string_view name) const;
+  // Fields(index): by position from 0.
+  const Variant& Fields(std::size_t index) const;
+
+  std::size_t fieldCount() const;
+  const std::u16string& fieldName(std::size_t index) const;
+  // The position of a column, names compared without regard to case; nullopt when absent.
+  std::optional<std::size_t> findField(std::u16string_view name) const;
+  // As findField, but a missing column raises the recordset's item-not-found error.
+  std::size_t fieldIndex(std::u16string_view name) const;
+  std::size_t recordCount() const;
+
+ private:
+  void requireOpen() const;
+  void requireRow() const;
+
+  bool open_ = false;
+  std::vector<std::u16string> columns_;
+  std::vector<Variant> cells_;
+  std::size_t pos_ = 0;  // current row
+};
+
+// Case-insensitive comparison of ASCII letters, as the classes compare names.
+bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept;
+
+}  // namespace vrdppo

@@ -1,0 +1,19 @@
+// UTF-8 and UTF-16 at the edges of the library (files, terminals, SQLite's and ODBC's APIs).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vrdppo {
+
+// Lone surrogates become U+FFFD; invalid UTF-8 bytes likewise.
+std::string toUtf8(std::u16string_view s);
+std::u16string fromUtf8(std::string_view s);
+
+// ASCII-only helpers for literals that are ASCII by construction.
+std::u16string ascii(std::string_view s);
+
+// U+0020 stripped from both ends (the platform's Trim: blanks only).
+std::u16string_view trimBlanks(std::u16string_view s) noexcept;
+
+}  // namespace vrdppo

@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs what the build, the tests and the demo need, from Debian's packages.
+set -euo pipefail
+packages=(g++ cmake make pkg-config git ca-certificates
+          libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
+          libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev)
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+echo "installing: ${missing[*]}"
+sudo=""
+if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Installs the dependencies, builds a preset (normal by default; sanitizer or release) and runs
+# every test of it.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+preset=${1:-normal}
+scripts/install-deps.sh
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset"
+ctest --preset "$preset"

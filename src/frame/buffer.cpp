@@ -1,0 +1,231 @@
+// The arithmetic here is the class's own, odd places included: Remove and RemoveRange do not
+// allow for the header, growth adds half the estimate each time, SetState leaves next position.
+#include "vrdppo/buffer.hpp"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+
+#include "vrdppo/error.hpp"
+
+namespace vrdppo {
+
+namespace {
+
+// Strings beyond this many characters are refused as the platform refuses them: out of memory.
+constexpr std::int64_t kMaxChars = std::int64_t{1} << 30;
+
+std::int32_t long32(std::int64_t v) {
+  if (v < std::numeric_limits<std::int32_t>::min() ||
+      v > std::numeric_limits<std::int32_t>::max()) {
+    throw Error::runtime(err::kOverflow);
+  }
+  return static_cast<std::int32_t>(v);
+}
+
+std::int16_t int16(std::int64_t v) {
+  if (v < std::numeric_limits<std::int16_t>::min() ||
+      v > std::numeric_limits<std::int16_t>::max()) {
+    throw Error::runtime(err::kOverflow);
+  }
+  return static_cast<std::int16_t>(v);
+}
+
+std::size_t checkedLength(std::int64_t n) {
+  if (n < 0) throw Error::runtime(err::kInvalidCall);
+  if (n > kMaxChars) throw Error::runtime(err::kOutOfMemory);
+  return static_cast<std::size_t>(n);
+}
+
+std::int32_t roundEven(double v) {
+  return long32(static_cast<std::int64_t>(std::nearbyint(v)));
+}
+
+// Left$, Right$ and Mid$ of the platform, with its errors for negative lengths and starts.
+std::u16string left(const std::u16string& s, std::int64_t n) {
+  return s.substr(0, std::min(checkedLength(n), s.size()));
+}
+
+std::u16string right(const std::u16string& s, std::int64_t n) {
+  const std::size_t k = std::min(checkedLength(n), s.size());
+  return s.substr(s.size() - k);
+}
+
+std::u16string mid(const std::u16string& s, std::int64_t start, std::int64_t length) {
+  if (start < 1) throw Error::runtime(err::kInvalidCall);
+  const std::size_t len = checkedLength(length);
+  if (static_cast<std::size_t>(start) > s.size()) return {};
+  return s.substr(static_cast<std::size_t>(start - 1), len);
+}
+
+// The Mid$ statement: overwrite at most count characters from start on, never growing the text.
+void overwrite(std::u16string& s, std::int64_t start, std::int64_t count,
+               std::u16string_view with) {
+  if (start < 1 || static_cast<std::uint64_t>(start) > s.size()) {
+    throw Error::runtime(err::kInvalidCall);
+  }
+  const auto from = static_cast<std::size_t>(start - 1);
+  std::size_t n = std::min<std::size_t>(with.size(), s.size() - from);
+  if (count >= 0) n = std::min<std::size_t>(n, static_cast<std::size_t>(count));
+  std::memcpy(s.data() + from, with.data(), n * sizeof(char16_t));
+}
+
+template <class F>
+auto guardMemory(F&& f) {
+  try {
+    return f();
+  } catch (const std::bad_alloc&) {
+    throw Error::runtime(err::kOutOfMemory);
+  } catch (const std::length_error&) {
+    throw Error::runtime(err::kOutOfMemory);
+  }
+}
+
+}  // namespace
+
+void Buffer::Initialize(std::int16_t recordLength, std::int32_t estimate) {
+  const std::int32_t chars =
+      long32(long32(std::int64_t{recordLength} * estimate) + std::int64_t{9});
+  const std::size_t n = checkedLength(chars);
+  guardMemory([&] {
+    text_.assign(n, u' ');
+    return 0;
+  });
+  recordLength_ = recordLength;
+  estimate_ = estimate;
+  capacity_ = estimate;
+  count_ = 0;
+  currentItem_ = 0;
+  nextPosition_ = 9;
+}
+
+void Buffer::Add(std::u16string_view record) {
+  if (count_ == capacity_) {
+    const double half = static_cast<double>(estimate_) / 2.0;
+    const std::int32_t more = roundEven(half * recordLength_);
+    const std::int32_t capacity = roundEven(half + capacity_);
+    const std::size_t n = checkedLength(more);
+    if (static_cast<std::int64_t>(text_.size() + n) > kMaxChars) {
+      throw Error::runtime(err::kOutOfMemory);
+    }
+    guardMemory([&] {
+      text_.append(n, u' ');  // the string itself grows geometrically underneath
+      return 0;
+    });
+    capacity_ = capacity;
+  }
+  overwrite(text_, nextPosition_, recordLength_, record);
+  nextPosition_ = long32(std::int64_t{nextPosition_} + recordLength_);
+  count_ = long32(std::int64_t{count_} + 1);
+}
+
+void Buffer::Remove(std::int16_t index) {
+  const std::u16string l = left(text_, int16(std::int64_t{recordLength_} * index));
+  const std::u16string r =
+      right(text_, long32((std::int64_t{count_} - index - 1) * std::int64_t{recordLength_}));
+  text_ = l + r;
+  count_ = long32(std::int64_t{count_} - 1);
+  if (currentItem_ >= count_) currentItem_ = count_ - 1;
+}
+
+std::u16string Buffer::GetState() const {
+  if (text_ == u"ERROR") return text_;
+  char16_t header[8];
+  const std::int16_t l = recordLength_;
+  unsigned char bytes[16];
+  std::memcpy(bytes, &l, 2);
+  std::memcpy(bytes + 2, &headerPadding_, 2);
+  std::memcpy(bytes + 4, &estimate_, 4);
+  std::memcpy(bytes + 8, &capacity_, 4);
+  std::memcpy(bytes + 12, &count_, 4);
+  for (int i = 0; i < 8; ++i) {
+    header[i] = static_cast<char16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+  }
+  std::memcpy(text_.data(), header, std::min<std::size_t>(8, text_.size()) * sizeof(char16_t));
+  if (nextPosition_ <= 0) return {};
+  return text_.substr(0, static_cast<std::size_t>(nextPosition_));
+}
+
+void Buffer::SetState(std::u16string_view state) {
+  const BufferHeader h = readBufferHeader(state);
+  char16_t pad = state.size() > 1 ? state[1] : u' ';
+  recordLength_ = h.recordLength;
+  headerPadding_ = pad;
+  estimate_ = h.estimate;
+  capacity_ = h.capacity;
+  count_ = h.count;
+  guardMemory([&] {
+    text_.assign(state);
+    return 0;
+  });
+}
+
+BufferHeader readBufferHeader(std::u16string_view state) noexcept {
+  char16_t c[8];
+  for (std::size_t i = 0; i < 8; ++i) c[i] = i < state.size() ? state[i] : u' ';
+  BufferHeader h;
+  h.recordLength = static_cast<std::int16_t>(c[0]);
+  h.estimate = static_cast<std::int32_t>(static_cast<std::uint32_t>(c[2]) |
+                                         (static_cast<std::uint32_t>(c[3]) << 16));
+  h.capacity = static_cast<std::int32_t>(static_cast<std::uint32_t>(c[4]) |
+                                         (static_cast<std::uint32_t>(c[5]) << 16));
+  h.count = static_cast<std::int32_t>(static_cast<std::uint32_t>(c[6]) |
+                                      (static_cast<std::uint32_t>(c[7]) << 16));
+  return h;
+}
+
+std::u16string Buffer::Item(std::int32_t index) const {
+  if (index < 1 || index > count_) return {};
+  return mid(text_, (std::int64_t{index} - 1) * recordLength_ + 9, recordLength_);
+}
+
+void Buffer::Item(std::int32_t index, std::u16string_view record) {
+  if (index < 1 || index > count_) return;
+  overwrite(text_, (std::int64_t{index} - 1) * recordLength_ + 9, recordLength_, record);
+}
+
+void Buffer::CurrentItem(std::int32_t index) noexcept {
+  if (index >= 1 && index <= count_) currentItem_ = index;
+}
+
+std::int32_t Buffer::ExtractPage(std::int32_t size, std::int32_t& page) {
+  if (size == 0) throw Error::runtime(err::kDivisionByZero);
+  std::int32_t maxPage = long32(std::int64_t{count_} / size);
+  if (static_cast<double>(count_) / size > maxPage) maxPage = long32(std::int64_t{maxPage} + 1);
+  maxPage_ = maxPage;
+  std::int32_t first = long32((std::int64_t{page} - 1) * size);
+  std::int32_t last = long32(std::int64_t{first} + size);
+  if (first >= count_) {
+    page = maxPage_;
+    first = long32((std::int64_t{maxPage_} - 1) * size);
+    last = long32(std::int64_t{first} + size);
+  } else if (first < 0) {
+    page = 1;
+    first = 0;
+    last = size;
+  }
+  if (last > count_) last = count_;
+  text_ = mid(text_, std::int64_t{first} * recordLength_ + 1,
+              (std::int64_t{last} + 1 - first) * recordLength_);
+  count_ = last - first;
+  currentItem_ = 1;
+  currentPage_ = page;
+  return page;
+}
+
+std::int32_t Buffer::RemoveRange(std::int32_t first, std::int32_t last) {
+  if (!(first <= last && last < count_)) return 0;
+  if (first < 0) return 0;
+  const std::u16string l = left(text_, std::int64_t{recordLength_} * first);
+  const std::u16string r = right(text_, static_cast<std::int64_t>(text_.size()) -
+                                            (std::int64_t{last} + 1) * std::int64_t{recordLength_});
+  text_ = l + r;
+  const std::int32_t removed = last - first + 1;
+  count_ -= removed;
+  currentItem_ = 1;
+  return removed;
+}
+
+}  // namespace vrdppo

@@ -1,0 +1,259 @@
+// The table and view contracts, driven by each class's column table and configuration.
+#include <cstring>
+#include <vector>
+
+#include "vrdppo/buffer.hpp"
+#include "vrdppo/dbhelp.hpp"
+#include "vrdppo/error.hpp"
+#include "vrdppo/persist.hpp"
+#include "vrdppo/render.hpp"
+#include "vrdppo/text.hpp"
+
+namespace vrdppo {
+
+namespace {
+
+std::u16string joinNames(const RecordLayout& layout, std::span<const std::uint8_t> list,
+                         bool skipKey) {
+  std::u16string out;
+  const auto add = [&](const Column& c) {
+    if (!out.empty()) out += u", ";
+    out += c.write;
+  };
+  if (list.empty()) {
+    for (std::size_t i = skipKey ? 1 : 0; i < layout.columns.size(); ++i) add(layout.columns[i]);
+  } else {
+    for (const auto i : list) add(layout.columns[i]);
+  }
+  return out;
+}
+
+std::vector<std::u16string_view> writeNames(const TableConfig& config) {
+  std::vector<std::u16string_view> names;
+  const auto& cols = config.layout->columns;
+  if (config.writeList.empty()) {
+    for (std::size_t i = 1; i < cols.size(); ++i) names.push_back(cols[i].write);
+  } else {
+    for (const auto i : config.writeList) names.push_back(cols[i].write);
+  }
+  return names;
+}
+
+// Runs a statement that may or may not give rows, closing what it gives.
+void runStatement(const std::u16string& sql) {
+  const auto rs = dbHelp::OpenRecordset(sql);
+  if (rs->State() == adStateOpen) rs->Close();
+}
+
+std::u16string renderByName(const RecordLayout& layout, const std::byte* record,
+                            std::u16string_view name, bool keyHasBranch) {
+  const auto& cols = layout.columns;
+  for (std::size_t i = keyHasBranch ? 0 : 1; i < cols.size(); ++i) {
+    if (equalsNoCase(cols[i].write, name)) return renderColumn(cols[i], record);
+  }
+  return u"NULL";
+}
+
+}  // namespace
+
+// --- record support shared by tables and views ---
+
+std::u16string PersistObject::GetState() const {
+  return recordState(layout(), recordBytes());
+}
+
+void PersistObject::SetState(std::u16string_view state) {
+  setRecordState(layout(), recordBytes(), state);
+}
+
+void PersistObject::RecordToObj(const Recordset& ars) {
+  const RecordLayout& l = layout();
+  std::byte* record = recordBytes();
+  initialiseRecord(l, record);
+  for (const Column& c : l.columns) storeField(c, record, ars.Fields(c.read));
+}
+
+std::u16string loadStatement(const RecordLayout& layout, const LoadSpec& spec,
+                             const std::u16string& sCriteria, std::int32_t lTop) {
+  std::u16string sql = u"SELECT ";
+  if (spec.top != TopArg::None && lTop >= 1) sql += u"TOP " + longText(lTop) + u" ";
+  if (spec.style == LoadStyle::Star) {
+    sql += u"*";
+  } else {
+    sql += joinNames(layout, spec.selectList, false);
+  }
+  sql += u" FROM ";
+  sql += spec.source;
+  if (!trimBlanks(sCriteria).empty()) sql += u" WHERE " + sCriteria;
+  return sql;
+}
+
+std::u16string loadInto(PersistObject& object, const LoadSpec& spec,
+                        const std::u16string& sCriteria, const std::u16string& sConnect,
+                        std::int32_t lTop) {
+  if (spec.top == TopArg::None) lTop = 0;
+  dbHelp::ConnectString = sConnect;
+  const RecordLayout& layout = object.layout();
+  const auto rs = dbHelp::OpenRecordset(loadStatement(layout, spec, sCriteria, lTop));
+  Buffer buffer;
+  const auto length = static_cast<std::int16_t>(layout.stateChars);
+  if (spec.style == LoadStyle::List && rs->EOF_()) {
+    buffer.Initialize(length, 1);  // released without a Close, as the class always did
+    return buffer.GetState();
+  }
+  buffer.Initialize(length, spec.style == LoadStyle::List && lTop >= 1 ? lTop : spec.estimate);
+
+  // Each row: the initialiser, one coercion per column, the image into the Buffer. Column
+  // positions are looked up by name once, at the first row, which raises for a missing one
+  // exactly where a lookup per row would.
+  std::byte* record = object.recordBytes();
+  std::vector<std::size_t> positions;
+  std::u16string state;
+  while (!(rs->EOF_() || rs->BOF())) {
+    if (positions.empty()) {
+      for (const Column& c : layout.columns) positions.push_back(rs->fieldIndex(c.read));
+    }
+    initialiseRecord(layout, record);
+    for (std::size_t i = 0; i < layout.columns.size(); ++i) {
+      storeField(layout.columns[i], record, rs->Fields(positions[i]));
+    }
+    recordState(layout, record, state);
+    buffer.Add(state);
+    rs->MoveNext();
+  }
+  rs->Close();
+  return buffer.GetState();
+}
+
+// --- tables ---
+
+std::int32_t TableObject::key() const noexcept {
+  std::int32_t k;
+  std::memcpy(&k, recordBytes() + layout().columns[0].offset, sizeof k);
+  return k;
+}
+
+void TableObject::setKey(std::int32_t key) noexcept {
+  std::memcpy(recordBytes() + layout().columns[0].offset, &key, sizeof key);
+}
+
+std::u16string TableObject::FieldValue(std::u16string_view name) const {
+  return renderByName(layout(), recordBytes(), name, config_.keyInFieldValue);
+}
+
+std::u16string TableObject::InsertFields() const {
+  return joinNames(layout(), config_.writeList, true);
+}
+
+std::u16string TableObject::InsertValues() const {
+  std::u16string out;
+  for (const auto name : writeNames(config_)) {
+    if (!out.empty()) out += u", ";
+    out += FieldValue(name);
+  }
+  return out;
+}
+
+std::u16string TableObject::UpdateFields() const {
+  std::u16string out;
+  for (const auto name : writeNames(config_)) {
+    if (!out.empty()) out += u", ";
+    out += name;
+    out += u" = ";
+    out += FieldValue(name);
+  }
+  return out;
+}
+
+std::u16string TableObject::SelectFields() const {
+  return joinNames(layout(), config_.selectList, false);
+}
+
+std::u16string TableObject::Load(const std::u16string& sCriteria, const std::u16string& sConnect,
+                                 std::int32_t lTop) {
+  const LoadSpec spec{config_.table,
+                      config_.generation == Generation::First ? LoadStyle::Star : LoadStyle::List,
+                      config_.top, config_.estimate, config_.selectList};
+  return loadInto(*this, spec, sCriteria, sConnect, lTop);
+}
+
+bool TableObject::Commit(const std::u16string& sBuffer, const std::u16string& sConnect) {
+  dbHelp::ConnectString = sConnect;
+  SetState(sBuffer);
+  if (key() != 0) {
+    runStatement(u"UPDATE " + std::u16string(config_.table) + u" SET " + UpdateFields() +
+                 u" WHERE " + std::u16string(config_.keyColumn) + u" = " + longText(key()));
+    return true;
+  }
+  std::u16string values = InsertValues();
+  if (config_.doubleQuotesInInsert) values = dbHelp::ReplaceAll(values, u"\"", u"\"\"");
+  std::u16string sql = u"EXEC ";
+  sql += config_.insertProcedure;
+  sql += u" @p_Stmt = \"INSERT INTO ";
+  sql += config_.table;
+  sql += config_.insertTableSeparator;
+  sql += u"(" + InsertFields() + u") VALUES (" + values + u")\"";
+  const auto rs = dbHelp::OpenRecordset(sql);
+  setKey(toLong(rs->Fields(u"Identity")));
+  rs->Close();
+  return true;
+}
+
+bool TableObject::Delete(const std::u16string& sBuffer, const std::u16string& sConnect) {
+  dbHelp::ConnectString = sConnect;
+  SetState(sBuffer);
+  const std::u16string table(config_.table);
+  const std::u16string where =
+      u" WHERE " + std::u16string(config_.keyColumn) + u" = " + longText(key());
+  if (config_.deleteStyle == DeleteStyle::Soft) {
+    runStatement(u"UPDATE " + table + u" SET DELETEDFLAG = 'Y'" + where);
+  } else {
+    runStatement(u"DELETE FROM " + table + where);
+  }
+  return true;
+}
+
+bool TableObject::CriteriaDelete(const std::u16string& sBuffer, const std::u16string& second,
+                                 const std::u16string& third, bool bHardDelete) {
+  const std::u16string table(config_.table);
+  if (config_.criteriaDelete == CriteriaDeleteForm::First) {
+    const std::u16string& sCriteria = second;
+    if (trimBlanks(sCriteria).empty()) return false;
+    dbHelp::ConnectString = third;
+    SetState(sBuffer);
+    runStatement(u"DELETE FROM " + table + u" WHERE " + sCriteria);
+    return true;
+  }
+  if (config_.criteriaDelete == CriteriaDeleteForm::None)
+    throw Error::runtime(err::kMemberNotFound);
+  const std::u16string& sCriteria = third;
+  dbHelp::ConnectString = second;
+  SetState(sBuffer);
+  const std::u16string condition =
+      trimBlanks(sCriteria).empty() ? std::u16string() : u" WHERE " + sCriteria;
+  if (config_.criteriaDelete == CriteriaDeleteForm::SecondWithHardDelete && !bHardDelete) {
+    runStatement(u"UPDATE " + table + u" SET DELETEDFLAG = 'Y'" + condition);
+  } else {
+    runStatement(u"DELETE FROM " + table + condition);
+  }
+  return true;
+}
+
+// --- views ---
+
+std::u16string ViewObject::SelectFields() const {
+  return joinNames(layout(), config_.selectList, false);
+}
+
+std::u16string ViewObject::FieldValue(std::u16string_view name) const {
+  return renderByName(layout(), recordBytes(), name, true);
+}
+
+std::u16string ViewObject::Load(const std::u16string& sCriteria, const std::u16string& sConnect,
+                                std::int32_t lTop) {
+  const LoadSpec spec{config_.view, config_.shape, config_.top, config_.estimate,
+                      config_.selectList};
+  return loadInto(*this, spec, sCriteria, sConnect, lTop);
+}
+
+}  // namespace vrdppo

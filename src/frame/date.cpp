@@ -1,0 +1,275 @@
+// Dates as day counts from 1899-12-30: splitting, making, parsing and the general date text.
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "vrdppo/error.hpp"
+#include "vrdppo/locale.hpp"
+#include "vrdppo/variant.hpp"
+
+namespace vrdppo {
+
+namespace {
+
+constexpr std::int64_t kEpochOffset = -25569;  // 1899-12-30 counted from 1970-01-01
+
+// Days since 1970-01-01 of a proleptic Gregorian date.
+std::int64_t daysFromCivil(std::int64_t y, unsigned m, unsigned d) {
+  y -= m <= 2;
+  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
+  const auto yoe = static_cast<unsigned>(y - era * 400);
+  const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
+  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+  return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
+}
+
+void civilFromDays(std::int64_t z, int& year, int& month, int& day) {
+  z += 719468;
+  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+  const auto doe = static_cast<unsigned>(z - era * 146097);
+  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+  const std::int64_t y = static_cast<std::int64_t>(yoe) + era * 400;
+  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+  const unsigned mp = (5 * doy + 2) / 153;
+  day = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
+  month = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
+  year = static_cast<int>(y + (month <= 2));
+}
+
+int daysInMonth(int y, int m) {
+  static constexpr std::array<int, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const bool leap = (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+  return m == 2 && leap ? 29 : kDays[static_cast<std::size_t>(m - 1)];
+}
+
+}  // namespace
+
+Date makeDate(int year, int month, int day, int hour, int minute, double second) {
+  if (year < 100 || year > 9999 || month < 1 || month > 12 || day < 1 ||
+      day > daysInMonth(year, month) || hour < 0 || hour > 23 || minute < 0 || minute > 59 ||
+      !(second >= 0 && second < 60)) {
+    throw Error::runtime(err::kInvalidCall);
+  }
+  const auto days = static_cast<double>(
+      daysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) - kEpochOffset);
+  const double time = (hour * 3600.0 + minute * 60.0 + second) / 86400.0;
+  // Before day 0 the time of day still counts forward from midnight: -1.25 is 1899-12-29 06:00.
+  return Date{days < 0 ? days - time : days + time};
+}
+
+DateParts splitDate(Date d) {
+  const double v = d.days;
+  if (!std::isfinite(v) || v <= kMinDate - 1 || v >= kMaxDate) {
+    throw Error::runtime(err::kInvalidCall);
+  }
+  auto whole = static_cast<std::int64_t>(std::trunc(v));
+  double t = std::fabs(v - static_cast<double>(whole)) + 1e-11;
+  DateParts p;
+  double x = t * 24;
+  p.hour = static_cast<int>(x);
+  x = (x - p.hour) * 60;
+  p.minute = static_cast<int>(x);
+  x = (x - p.minute) * 60;
+  p.second = static_cast<int>(x);
+  if (x - p.second > 0.5) {
+    if (++p.second == 60) {
+      p.second = 0;
+      if (++p.minute == 60) {
+        p.minute = 0;
+        if (++p.hour == 24) {
+          p.hour = 0;
+          ++whole;
+        }
+      }
+    }
+  }
+  civilFromDays(whole + kEpochOffset, p.year, p.month, p.day);
+  if (p.year < 100 || p.year > 9999) throw Error::runtime(err::kInvalidCall);
+  return p;
+}
+
+namespace {
+
+std::u16string twoDigits(int v) {
+  return {static_cast<char16_t>(u'0' + v / 10), static_cast<char16_t>(u'0' + v % 10)};
+}
+
+std::u16string number(int v) {
+  const std::string s = std::to_string(v);
+  return {s.begin(), s.end()};
+}
+
+}  // namespace
+
+// The platform's general date form under the default locale: M/d/yyyy h:mm:ss AM, without the
+// date on day 0 and without the time at midnight.
+std::u16string dateText(Date d) {
+  const DateParts p = splitDate(d);
+  const auto& sep = threadSeparators();
+  std::u16string out;
+  const bool hasDate = std::trunc(d.days) != 0;
+  const bool hasTime = p.hour != 0 || p.minute != 0 || p.second != 0;
+  if (hasDate || !hasTime) {
+    out += number(p.month) + sep.date + number(p.day) + sep.date + number(p.year);
+  }
+  if (hasTime) {
+    if (!out.empty()) out += u' ';
+    const int h12 = p.hour % 12 == 0 ? 12 : p.hour % 12;
+    out += number(h12) + sep.time + twoDigits(p.minute) + sep.time + twoDigits(p.second);
+    out += p.hour < 12 ? u" AM" : u" PM";
+  }
+  return out;
+}
+
+namespace {
+
+struct Token {
+  enum Kind { Number, Month, AmPm, Sep } kind;
+  int value;
+  int width;  // digits of a number
+  char16_t sep;
+};
+
+int monthOf(std::u16string_view word) {
+  static constexpr std::array<const char16_t*, 12> kNames{
+      u"january", u"february", u"march",     u"april",   u"may",      u"june",
+      u"july",    u"august",   u"september", u"october", u"november", u"december"};
+  std::u16string lower;
+  for (char16_t c : word) lower += (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 32) : c;
+  if (lower.size() < 3) return 0;
+  for (std::size_t i = 0; i < kNames.size(); ++i) {
+    const std::u16string_view name = kNames[i];
+    if (lower == name || (lower.size() >= 3 && name.substr(0, lower.size()) == lower)) {
+      return static_cast<int>(i + 1);
+    }
+  }
+  return 0;
+}
+
+bool validDate(int y, int m, int d) {
+  return y >= 100 && y <= 9999 && m >= 1 && m <= 12 && d >= 1 && d <= daysInMonth(y, m);
+}
+
+int expandYear(int y, int width) {
+  if (width > 2) return y;
+  return y < 30 ? 2000 + y : 1900 + y;
+}
+
+}  // namespace
+
+// Dates with "-", "/", space or "," between their parts, ":" in the time, month names, AM/PM and
+// an ISO "T"; the field order tried is Y/M/D for a four-digit first field, else M/D/Y then D/M/Y.
+Date parseDate(std::u16string_view s) {
+  const auto fail = [] { return Error::runtime(err::kTypeMismatch); };
+  std::vector<Token> tokens;
+  for (std::size_t i = 0; i < s.size();) {
+    const char16_t c = s[i];
+    if (c >= u'0' && c <= u'9') {
+      int v = 0;
+      int w = 0;
+      while (i < s.size() && s[i] >= u'0' && s[i] <= u'9') {
+        if (w < 9) v = v * 10 + (s[i] - u'0');
+        ++w;
+        ++i;
+      }
+      tokens.push_back({Token::Number, v, w, 0});
+    } else if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z')) {
+      std::size_t j = i;
+      while (j < s.size() && ((s[j] >= u'a' && s[j] <= u'z') || (s[j] >= u'A' && s[j] <= u'Z'))) {
+        ++j;
+      }
+      const auto word = s.substr(i, j - i);
+      if (word.size() == 1 && (word[0] == u'T' || word[0] == u't')) {
+        tokens.push_back({Token::Sep, 0, 0, u' '});
+      } else if (word.size() == 2 && (word[1] == u'M' || word[1] == u'm') &&
+                 (word[0] == u'A' || word[0] == u'a' || word[0] == u'P' || word[0] == u'p')) {
+        tokens.push_back({Token::AmPm, (word[0] == u'P' || word[0] == u'p') ? 1 : 0, 0, 0});
+      } else if (const int m = monthOf(word)) {
+        tokens.push_back({Token::Month, m, 0, 0});
+      } else {
+        throw fail();
+      }
+      i = j;
+    } else if (c == u'-' || c == u'/' || c == u' ' || c == u',' || c == u':' || c == u'.' ||
+               c == u'\t') {
+      tokens.push_back({Token::Sep, 0, 0, c == u'\t' ? u' ' : c});
+      ++i;
+    } else {
+      throw fail();
+    }
+  }
+  std::vector<Token> dateNums;
+  std::vector<int> timeNums;
+  int month = 0;
+  int ampm = -1;
+  for (std::size_t k = 0; k < tokens.size(); ++k) {
+    const Token& t = tokens[k];
+    if (t.kind == Token::Number) {
+      const bool nextColon = k + 1 < tokens.size() && tokens[k + 1].sep == u':';
+      const bool prevColon = k > 0 && tokens[k - 1].sep == u':';
+      const bool nextPoint = k + 1 < tokens.size() && tokens[k + 1].sep == u'.';
+      if (prevColon && nextPoint) throw fail();  // fractional seconds
+      if (nextColon || prevColon || (k + 1 < tokens.size() && tokens[k + 1].kind == Token::AmPm) ||
+          (k + 2 < tokens.size() && tokens[k + 1].kind == Token::Sep && tokens[k + 1].sep == u' ' &&
+           tokens[k + 2].kind == Token::AmPm)) {
+        timeNums.push_back(t.value);
+      } else {
+        dateNums.push_back(t);
+      }
+    } else if (t.kind == Token::Month) {
+      if (month) throw fail();
+      month = t.value;
+    } else if (t.kind == Token::AmPm) {
+      ampm = t.value;
+    } else if (t.sep == u'.' &&
+               !(k > 0 && tokens[k - 1].kind == Token::Number && !timeNums.empty())) {
+      throw fail();
+    }
+  }
+  if (timeNums.size() > 3 || dateNums.size() > 3) throw fail();
+  int hour = timeNums.size() > 0 ? timeNums[0] : 0;
+  const int minute = timeNums.size() > 1 ? timeNums[1] : 0;
+  const int second = timeNums.size() > 2 ? timeNums[2] : 0;
+  if (ampm >= 0) {
+    if (hour < 1 || hour > 12) throw fail();
+    hour = hour % 12 + (ampm == 1 ? 12 : 0);
+  }
+  if (hour > 23 || minute > 59 || second > 59) throw fail();
+
+  int y = 0;
+  int m = 0;
+  int d = 0;
+  bool found = false;
+  if (dateNums.empty() && month == 0) {
+    if (timeNums.empty()) throw fail();
+    y = 1899, m = 12, d = 30, found = true;
+  } else if (month != 0) {
+    if (dateNums.size() != 2) throw fail();
+    // "7 March 2019", "March 7, 2019", "2019 March 7": the four-digit one is the year.
+    const bool firstIsYear = dateNums[0].width > 2;
+    d = firstIsYear ? dateNums[1].value : dateNums[0].value;
+    const Token& yt = firstIsYear ? dateNums[0] : dateNums[1];
+    y = expandYear(yt.value, yt.width);
+    m = month;
+    found = validDate(y, m, d);
+  } else if (dateNums.size() == 3) {
+    const Token &a = dateNums[0], &b = dateNums[1], &c = dateNums[2];
+    if (a.width > 2) {
+      y = a.value, m = b.value, d = c.value;
+      found = validDate(y, m, d);
+    } else {
+      y = expandYear(c.value, c.width);
+      m = a.value, d = b.value;
+      found = validDate(y, m, d);
+      if (!found) {
+        m = b.value, d = a.value;
+        found = validDate(y, m, d);
+      }
+    }
+  }
+  if (!found) throw fail();
+  return makeDate(y, m, d, hour, minute, second);
+}
+
+}  // namespace vrdppo

@@ -1,0 +1,155 @@
+#include "vrdppo/provider.hpp"
+
+#include <mutex>
+#include <vector>
+
+#include "frame/builtin_providers.hpp"
+#include "vrdppo/error.hpp"
+#include "vrdppo/text.hpp"
+
+namespace vrdppo {
+
+namespace {
+
+struct Entry {
+  int token;
+  std::string name;
+  ProviderMatcher matches;
+  ProviderFactory make;
+};
+
+struct Registry {
+  std::mutex mutex;
+  std::vector<Entry> entries;
+  int next = 1;
+};
+
+Registry& registry() {
+  static Registry r;
+  return r;
+}
+
+const Entry* find(Registry& r, std::u16string_view connect) {
+  for (auto it = r.entries.rbegin(); it != r.entries.rend(); ++it) {
+    if (it->matches(connect)) return &*it;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+namespace providers {
+
+int add(std::string name, ProviderMatcher matches, ProviderFactory make, bool builtin) {
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  const int token = r.next++;
+  Entry e{token, std::move(name), std::move(matches), std::move(make)};
+  if (builtin) {
+    r.entries.insert(r.entries.begin(), std::move(e));
+  } else {
+    r.entries.push_back(std::move(e));
+  }
+  return token;
+}
+
+void remove(int token) {
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  std::erase_if(r.entries, [token](const Entry& e) { return e.token == token; });
+}
+
+std::unique_ptr<ProviderConnection> connect(std::u16string_view connect) {
+  registerBuiltinProviders();
+  ProviderFactory make;
+  {
+    auto& r = registry();
+    std::lock_guard lock(r.mutex);
+    if (const Entry* e = find(r, connect)) make = e->make;
+  }
+  if (!make) {
+    throw Error(err::kProviderFailure,
+                "[vrdppo] Data source name not found and no default driver specified: \"" +
+                    toUtf8(connect) + "\"",
+                "vrdppo", "IM002");
+  }
+  return make();
+}
+
+std::string nameFor(std::u16string_view connect) {
+  registerBuiltinProviders();
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  const Entry* e = find(r, connect);
+  return e ? e->name : std::string();
+}
+
+}  // namespace providers
+
+Connection::~Connection() = default;
+
+void Connection::setCursorLocation(int location) {
+  cursorLocation_ = location;
+  if (impl_) impl_->setCursorLocation(location);
+}
+
+void Connection::setCommandTimeout(int seconds) {
+  timeout_ = seconds;
+  if (impl_) impl_->setCommandTimeout(seconds);
+}
+
+void Connection::Open(const std::u16string& connect, const std::u16string& user,
+                      const std::u16string& password, int options) {
+  if (open_) throw Error::runtime(err::kInvalidCall);
+  impl_ = providers::connect(connect);
+  if (cursorLocation_ != 0) impl_->setCursorLocation(cursorLocation_);
+  if (timeout_ >= 0) impl_->setCommandTimeout(timeout_);
+  impl_->open(connect, user, password, options);
+  open_ = true;
+}
+
+std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql, int options) {
+  if (!open_) throw Error::runtime(err::kObjectClosed);
+  return impl_->execute(sql, options);
+}
+
+void Connection::Close() {
+  if (!open_) throw Error::runtime(err::kObjectClosed);
+  open_ = false;
+  impl_->close();
+}
+
+int Connection::State() const noexcept {
+  return open_ ? adStateOpen : adStateClosed;
+}
+
+std::u16string connectionValue(std::u16string_view connect, std::u16string_view key) {
+  std::size_t pos = 0;
+  while (pos <= connect.size()) {
+    std::size_t end = connect.find(u';', pos);
+    // A braced value may hold semicolons.
+    const std::size_t eq = connect.find(u'=', pos);
+    if (eq != std::u16string_view::npos && (end == std::u16string_view::npos || eq < end)) {
+      std::size_t v = eq + 1;
+      while (v < connect.size() && connect[v] == u' ') ++v;
+      if (v < connect.size() && connect[v] == u'{') {
+        const std::size_t close = connect.find(u'}', v);
+        if (close != std::u16string_view::npos) end = connect.find(u';', close);
+      }
+      const auto name = trimBlanks(connect.substr(pos, eq - pos));
+      if (equalsNoCase(name, key)) {
+        auto value = trimBlanks(connect.substr(
+            eq + 1, (end == std::u16string_view::npos ? connect.size() : end) - eq - 1));
+        if (value.size() >= 2 && value.front() == u'{' && value.back() == u'}') {
+          value = value.substr(1, value.size() - 2);
+        }
+        return std::u16string(value);
+      }
+    }
+    if (end == std::u16string_view::npos) break;
+    pos = end + 1;
+  }
+  return {};
+}
+
+}  // namespace vrdppo

@@ -1,0 +1,9 @@
+#include "frame/class_list.hpp"
+
+namespace vrdppo::greenleaf {
+
+std::vector<const ClassInfo*> classes() {
+  return {};
+}
+
+}  // namespace vrdppo::greenleaf

@@ -1,0 +1,172 @@
+#include "providers/embedded/catalog.hpp"
+
+#include <sqlite3.h>
+
+#include <unordered_set>
+
+#include "providers/embedded/errors.hpp"
+#include "providers/embedded/tokenizer.hpp"
+
+namespace vrdppo::embedded {
+
+// Each subsystem's part of the store, in the order their schema depends on each other.
+const Catalog& storeCatalog() {
+  static const Catalog catalog = [] {
+    Catalog c;
+    addFrameCatalog(c);
+    addReferenceCatalog(c);
+    addProductionCatalog(c);
+    addGreenLeafCatalog(c);
+    addCagesCatalog(c);
+    addLabCatalog(c);
+    return c;
+  }();
+  return catalog;
+}
+
+namespace {
+
+std::string upper(std::string_view s) {
+  std::string out(s);
+  for (auto& c : out) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+  }
+  return out;
+}
+
+std::string_view trim(std::string_view s) {
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\n' || s.front() == '\t'))
+    s.remove_prefix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\n' || s.back() == '\t'))
+    s.remove_suffix(1);
+  return s;
+}
+
+// The column definitions of a table's DDL: split at the commas outside parentheses.
+std::vector<std::string_view> splitColumns(std::string_view columns) {
+  std::vector<std::string_view> out;
+  int depth = 0;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i <= columns.size(); ++i) {
+    if (i == columns.size() || (columns[i] == ',' && depth == 0)) {
+      const auto part = trim(columns.substr(start, i - start));
+      if (!part.empty()) out.push_back(part);
+      start = i + 1;
+    } else if (columns[i] == '(') {
+      ++depth;
+    } else if (columns[i] == ')') {
+      --depth;
+    }
+  }
+  return out;
+}
+
+std::string withCollation(std::string_view definition) {
+  std::string def(definition);
+  const std::string up = upper(definition);
+  if (up.find(" COLLATE ") != std::string::npos) return def;
+  const auto typeStart = up.find_first_not_of(' ', up.find(' '));
+  if (typeStart == std::string::npos) return def;
+  const auto typeEnd = up.find_first_of(" (", typeStart);
+  const std::string type =
+      up.substr(typeStart, typeEnd == std::string::npos ? std::string::npos : typeEnd - typeStart);
+  if (type == "VARCHAR" || type == "NVARCHAR" || type == "CHAR" || type == "NCHAR" ||
+      type == "TEXT" || type == "NTEXT") {
+    def += " COLLATE NOCASE";
+  } else if (type == "DATETIME" || type == "DATE" || type == "SMALLDATETIME") {
+    def += " COLLATE VDATE";
+  }
+  return def;
+}
+
+void run(sqlite3* db, const std::string& sql) {
+  char* message = nullptr;
+  if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &message) != SQLITE_OK) {
+    std::string text = "schema: ";
+    text += message ? message : sqlite3_errmsg(db);
+    sqlite3_free(message);
+    throw openError(text, sqlite3_extended_errcode(db));
+  }
+}
+
+std::unordered_set<std::string> existingColumns(sqlite3* db, const std::string& table) {
+  std::unordered_set<std::string> names;
+  sqlite3_stmt* st = nullptr;
+  if (sqlite3_prepare_v2(db, "SELECT name FROM pragma_table_info(?1)", -1, &st, nullptr) !=
+      SQLITE_OK) {
+    throw openError(std::string("schema: ") + sqlite3_errmsg(db), sqlite3_extended_errcode(db));
+  }
+  sqlite3_bind_text(st, 1, table.c_str(), -1, SQLITE_TRANSIENT);
+  while (sqlite3_step(st) == SQLITE_ROW) {
+    names.insert(upper(reinterpret_cast<const char*>(sqlite3_column_text(st, 0))));
+  }
+  sqlite3_finalize(st);
+  return names;
+}
+
+}  // namespace
+
+void Catalog::mix(std::string_view text) noexcept {
+  for (unsigned char c : text) {
+    hash_ = (hash_ ^ c) * 16777619u;
+  }
+  hash_ = (hash_ ^ 0xFFu) * 16777619u;
+  stamp_ = static_cast<std::int32_t>(hash_ & 0x7FFFFFFFu);
+  if (stamp_ == 0) stamp_ = 1;
+}
+
+void Catalog::table(std::string name, std::string_view columns) {
+  Table t{std::move(name), {}};
+  mix(t.name);
+  for (auto def : splitColumns(columns)) {
+    const auto space = def.find_first_of(" \t\n");
+    t.columns.emplace_back(std::string(def.substr(0, space)), withCollation(def));
+    mix(t.columns.back().second);
+  }
+  tables_.push_back(std::move(t));
+}
+
+void Catalog::view(std::string name, std::string_view select) {
+  mix(name);
+  mix(select);
+  views_.emplace_back(std::move(name), std::string(select));
+}
+
+void Catalog::statement(std::string sql) {
+  mix(sql);
+  statements_.push_back(std::move(sql));
+}
+
+void Catalog::procedure(std::u16string_view name, Procedure body) {
+  procedures_[upperAscii(name)] = std::move(body);
+}
+
+const Procedure* Catalog::findProcedure(std::u16string_view name) const {
+  const auto it = procedures_.find(upperAscii(name));
+  return it == procedures_.end() ? nullptr : &it->second;
+}
+
+void Catalog::apply(sqlite3* db) const {
+  for (auto it = views_.rbegin(); it != views_.rend(); ++it)
+    run(db, "DROP VIEW IF EXISTS " + it->first);
+  for (const auto& t : tables_) {
+    const auto existing = existingColumns(db, t.name);
+    if (existing.empty()) {
+      std::string ddl = "CREATE TABLE " + t.name + " (\n  ";
+      for (std::size_t i = 0; i < t.columns.size(); ++i) {
+        if (i) ddl += ",\n  ";
+        ddl += t.columns[i].second;
+      }
+      run(db, ddl + "\n)");
+      continue;
+    }
+    for (const auto& [column, def] : t.columns) {
+      if (!existing.contains(upper(column)))
+        run(db, "ALTER TABLE " + t.name + " ADD COLUMN " + def);
+    }
+  }
+  for (const auto& [name, select] : views_) run(db, "CREATE VIEW " + name + " AS " + select);
+  for (const auto& sql : statements_) run(db, sql);
+}
+
+}  // namespace vrdppo::embedded

@@ -1,0 +1,73 @@
+// What a store holds: each subsystem's tables, views and stored procedures. A subsystem adds its
+// part in a function of its own, which catalog.cpp calls by name (nothing registers itself).
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "call.hpp"
+#include "vrdppo/recordset.hpp"
+
+struct sqlite3;
+
+namespace vrdppo::embedded {
+
+class Session;
+
+// A stored procedure: runs on the caller's session with the call's arguments and returns its
+// first result, or a closed recordset (Session::run gives one for a statement without rows).
+using Procedure = std::function<std::shared_ptr<Recordset>(Session&, const ProcArgs&)>;
+
+class Catalog {
+ public:
+  // A table: its columns as "Name TYPE [constraints]" separated by commas. Text columns
+  // (VARCHAR, CHAR, TEXT, ...) without a COLLATE get COLLATE NOCASE, DATETIME and DATE columns
+  // the date collation, so that the DDL says only what differs. A table that a store already has
+  // gains the columns it lacks.
+  void table(std::string name, std::string_view columns);
+  // A view, recreated whenever the schema changes.
+  void view(std::string name, std::string_view select);
+  // Any other schema statement (an index, a trigger), run after the tables and views whenever
+  // the schema changes: it must tolerate running again (IF NOT EXISTS).
+  void statement(std::string sql);
+  // A stored procedure, found by name without regard to case.
+  void procedure(std::u16string_view name, Procedure body);
+
+  const Procedure* findProcedure(std::u16string_view name) const;
+  // A number that changes with the schema text; stores record the one they were built for.
+  std::int32_t stamp() const noexcept { return stamp_; }
+  // Creates or updates the schema on db (inside the caller's transaction). Raises on failure.
+  void apply(sqlite3* db) const;
+
+ private:
+  struct Table {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> columns;  // name, full definition
+  };
+  void mix(std::string_view text) noexcept;
+
+  std::vector<Table> tables_;
+  std::vector<std::pair<std::string, std::string>> views_;
+  std::vector<std::string> statements_;
+  std::unordered_map<std::u16string, Procedure> procedures_;  // by upper-case name
+  std::uint32_t hash_ = 2166136261u;
+  std::int32_t stamp_ = 1;
+};
+
+// The catalog of the store as this build ships it.
+const Catalog& storeCatalog();
+
+// The parts, one per subsystem (catalog_<subsystem>.cpp).
+void addFrameCatalog(Catalog& c);
+void addReferenceCatalog(Catalog& c);
+void addProductionCatalog(Catalog& c);
+void addGreenLeafCatalog(Catalog& c);
+void addCagesCatalog(Catalog& c);
+void addLabCatalog(Catalog& c);
+
+}  // namespace vrdppo::embedded

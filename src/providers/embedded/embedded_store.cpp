@@ -1,0 +1,77 @@
+#include "providers/embedded/embedded_store.hpp"
+
+#include <new>
+
+#include "providers/embedded/errors.hpp"
+#include "providers/embedded/session.hpp"
+#include "providers/embedded/store_files.hpp"
+#include "vrdppo/error.hpp"
+#include "vrdppo/recordset.hpp"
+#include "vrdppo/text.hpp"
+
+namespace vrdppo::embedded {
+
+namespace {
+
+// The connection the gateway opens for one statement. The cursor is always the client's (rows
+// are fetched whole) and a statement runs to its end: both settings are accepted and kept aside.
+class EmbeddedConnection final : public ProviderConnection {
+ public:
+  void setCursorLocation(int) override {}
+
+  void open(const std::u16string& connect, const std::u16string&, const std::u16string&,
+            int) override {
+    if (session_) throw Error::runtime(err::kInvalidCall);
+    session_ = std::make_unique<Session>(toUtf8(connectionValue(connect, u"Data Source")));
+  }
+
+  std::shared_ptr<Recordset> execute(const std::u16string& sql, int) override {
+    if (!session_) throw Error::runtime(err::kObjectClosed);
+    try {
+      return session_->execute(sql);
+    } catch (const Error&) {
+      throw;
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& e) {
+      throw storeError(err::kCommandError, e.what(), "HY000", 0);
+    }
+  }
+
+  void setCommandTimeout(int) override {}
+
+  void close() override { session_.reset(); }
+
+ private:
+  std::unique_ptr<Session> session_;
+};
+
+}  // namespace
+
+bool accepts(std::u16string_view connect) {
+  return equalsNoCase(connectionValue(connect, u"Provider"), kProviderName);
+}
+
+std::u16string connectString(const std::string& path) {
+  return u"Provider=" + std::u16string(kProviderName) + u";Data Source=" + fromUtf8(path);
+}
+
+std::unique_ptr<ProviderConnection> makeConnection() {
+  return std::make_unique<EmbeddedConnection>();
+}
+
+void registerProvider() {
+  providers::add(
+      "embedded", accepts, [] { return makeConnection(); }, /*builtin=*/true);
+}
+
+void openStore(const std::string& path) {
+  if (path.empty()) throw openError("The connection string names no Data Source.", 14);
+  prepareStore(path, true);
+}
+
+void releaseStore(const std::string& path) {
+  forgetStore(path);
+}
+
+}  // namespace vrdppo::embedded

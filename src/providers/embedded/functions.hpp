@@ -1,0 +1,28 @@
+// The T-SQL functions, the T-SQL LIKE and the date collation, as SQLite functions of a
+// connection.
+#pragma once
+
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_context;
+struct sqlite3_value;
+
+namespace vrdppo::embedded {
+
+class Session;
+
+// Registers everything the dialect's translations call on db; session gives audittrailid() its
+// value (0 without one). Returns SQLite's result code.
+int registerFunctions(sqlite3* db, const Session* session);
+// Points audittrailid() on db at session (a pooled connection passes between sessions).
+int bindSession(sqlite3* db, const Session* session);
+// The date and conversion functions (GETDATE, DATEADD, CONVERT, ...).
+int registerDateFunctions(sqlite3* db);
+
+// A value's text as SQLite gives it, as a view (empty for NULL).
+std::string_view textOf(sqlite3_value* v);
+// Ends a function call with the server's kind of error text.
+void resultError(sqlite3_context* ctx, std::string_view message);
+
+}  // namespace vrdppo::embedded

@@ -1,0 +1,72 @@
+// One connection of the store: the SQLite handle and the state a server keeps per connection.
+// Procedures receive it to run their statements on the caller's connection.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "call.hpp"
+#include "vrdppo/recordset.hpp"
+#include "vrdppo/variant.hpp"
+
+struct sqlite3;
+
+namespace vrdppo::embedded {
+
+class Session {
+ public:
+  // Opens the store file at path, creating it and its schema on first use. Raises the
+  // provider-failure error.
+  explicit Session(const std::string& path);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  sqlite3* handle() const noexcept { return db_; }
+
+  // SET QUOTED_IDENTIFIER: on, as on a server, until the connection says otherwise.
+  bool quotedIdentifier() const noexcept { return quotedIdentifier_; }
+  void setQuotedIdentifier(bool on) noexcept { quotedIdentifier_ = on; }
+  // What ZZ_SetAuditTrailID set; SQL reads it as audittrailid().
+  std::int32_t auditTrailId() const noexcept { return auditTrailId_; }
+  void setAuditTrailId(std::int32_t id) noexcept { auditTrailId_ = id; }
+
+  // Runs text in the store's dialect: a batch of statements and procedure calls separated by
+  // ";". Returns the first statement's result: an open recordset when it yields columns, a
+  // closed one otherwise.
+  std::shared_ptr<Recordset> execute(std::u16string_view text);
+  // Runs one SQLite statement as it stands, binding params to its ? in order; its result as
+  // execute gives it.
+  std::shared_ptr<Recordset> run(std::string_view sqlite,
+                                 std::initializer_list<Variant> params = {});
+  // Runs SQLite statements as they stand, dropping what they yield.
+  void exec(std::string_view sqlite);
+  // Calls a procedure of the catalog; an unknown name raises the server's error 2812.
+  std::shared_ptr<Recordset> call(const ProcArgs& args);
+  // Runs body as one transaction (a savepoint inside another), rolled back when it raises.
+  void transaction(const std::function<void()>& body);
+
+  std::int64_t lastInsertId() const noexcept;
+  // Rows changed by the last INSERT, UPDATE or DELETE.
+  std::int64_t changes() const noexcept;
+
+ private:
+  std::shared_ptr<Recordset> statement(const Tokens& tokens, std::size_t begin, std::size_t end);
+  std::shared_ptr<Recordset> prepared(std::u16string_view sqlite);
+
+  // Marks the connection as not to be pooled unless the statement's first word is harmless.
+  void note(std::string_view sqlite);
+  void note(std::u16string_view firstWord);
+
+  std::string path_;
+  sqlite3* db_ = nullptr;
+  bool reusable_ = true;
+  bool quotedIdentifier_ = true;
+  std::int32_t auditTrailId_ = 0;
+};
+
+}  // namespace vrdppo::embedded

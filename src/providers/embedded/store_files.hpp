@@ -1,0 +1,43 @@
+// Store files: opening a SQLite connection set up for the dialect, and the once-per-process
+// preparation of each file (its schema, its journal mode, a connection kept open on it).
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+struct sqlite3;
+
+namespace vrdppo::embedded {
+
+class Session;
+
+// How long a statement waits for another connection's write lock before it fails.
+inline constexpr int kBusyTimeoutMs = 30000;
+
+// A connection on path with the busy timeout, the dialect's functions and durable commits.
+// Raises the provider-failure error; the caller closes the handle.
+sqlite3* openConnection(const std::string& path, const Session* session);
+
+// Makes the file at path ready: created with the current schema, or brought up to date, in WAL
+// mode. The first call per process per file does the work and keeps one idle connection open on
+// the file, so that the per-statement connections neither checkpoint nor rebuild the WAL index
+// on every close and open; later calls only look the path up. With recheck, the work is done
+// again.
+void prepareStore(const std::string& path, bool recheck = false);
+
+// Connections are pooled per file, as a driver manager pools a server's connections: a
+// statement's connection comes from the file's idle ones when there is one, which spares it
+// opening the file and reading the schema again.
+inline constexpr std::size_t kIdleConnections = 8;
+
+// A connection on the prepared store at path, bound to session.
+sqlite3* acquireConnection(const std::string& path, const Session* session);
+// Hands a connection back after its statement: any transaction left open is rolled back; kept
+// for the next statement when reusable (nothing on it outlives the session: no temporary
+// tables, no changed settings), closed otherwise.
+void releaseConnection(const std::string& path, sqlite3* db, bool reusable);
+
+// Closes what the process keeps on path and forgets that the file was prepared.
+void forgetStore(const std::string& path);
+
+}  // namespace vrdppo::embedded

@@ -1,0 +1,62 @@
+// ODBC handles that free themselves, the diagnostics of a handle as the library's error, and
+// UTF-16 text in and out of the wide-character calls.
+#pragma once
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vrdppo/error.hpp"
+
+namespace vrdppo::odbc {
+
+inline constexpr const char* kErrorSource = "vrdppo.odbc";
+
+// One environment, connection or statement handle, counted in liveHandles while allocated.
+class Handle {
+ public:
+  Handle() = default;
+  // Allocates under parent (SQL_NULL_HANDLE for an environment); a failure raises the parent's
+  // diagnostics.
+  Handle(SQLSMALLINT type, SQLHANDLE parent);
+  ~Handle() { reset(); }
+  Handle(Handle&& other) noexcept;
+  Handle& operator=(Handle&& other) noexcept;
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+
+  SQLHANDLE get() const noexcept { return handle_; }
+  SQLSMALLINT type() const noexcept { return type_; }
+  explicit operator bool() const noexcept { return handle_ != SQL_NULL_HANDLE; }
+  void reset() noexcept;
+
+ private:
+  SQLSMALLINT type_ = 0;
+  SQLHANDLE handle_ = SQL_NULL_HANDLE;
+};
+
+// Every diagnostic record of the handle as one error: the messages joined by newlines, the
+// SQLSTATE and native error of the first record that is not a mere warning (of the first record
+// when all are). `call` names the failed call for the rare driver that leaves no record.
+Error diagnosticError(SQLSMALLINT type, SQLHANDLE handle, std::string_view call);
+[[noreturn]] void fail(const Handle& handle, std::string_view call);
+inline void check(SQLRETURN rc, const Handle& handle, std::string_view call) {
+  if (!SQL_SUCCEEDED(rc)) fail(handle, call);
+}
+// The SQLSTATE of the handle's first diagnostic record, empty when there is none.
+std::string firstSqlState(const Handle& handle);
+
+// A null-terminated copy for the wide calls (SQLWCHAR is 16-bit but not char16_t).
+std::vector<SQLWCHAR> wide(std::u16string_view text);
+std::u16string fromWide(const SQLWCHAR* text, std::size_t length);
+
+// A length the driver reported, cut to what the buffer holds; a negative one counts as none.
+inline std::size_t fitted(SQLLEN reported, std::size_t capacity) noexcept {
+  return reported <= 0 ? 0 : std::min(static_cast<std::size_t>(reported), capacity);
+}
+
+}  // namespace vrdppo::odbc

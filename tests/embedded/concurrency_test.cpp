@@ -1,0 +1,98 @@
+// Several threads and processes writing one store file at once.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "store_fixture.hpp"
+#include "vrdppo/text.hpp"
+
+namespace vrdppo::embedded::testing {
+
+namespace {
+
+constexpr int kRowsPerWriter = 120;
+
+// Inserts one picking of the run through the insert procedure, as Commit does; its Identity.
+std::int32_t insertPicking(const std::string& path, int run, int n) {
+  Client c(path);
+  const auto rs = c.run(
+      u"EXEC sp_InsertStatement @p_Stmt = \"INSERT INTO PICKINGS "
+      u"(ProductionRunId, Weight, PickingTypeId) VALUES (" +
+      ascii(std::to_string(run)) + u", " + ascii(std::to_string(n)) + u", 1)\"");
+  return toLong(rs->Fields(u"Identity"));
+}
+
+using ConcurrencyTest = StoreTest;
+
+TEST_F(ConcurrencyTest, ThreadsWritingAtOnceLoseNothing) {
+  std::vector<std::int32_t> keys[2];
+  std::atomic<int> writersDone{0};
+  std::atomic<bool> readerSawDecrease{false};
+  const auto writer = [&](int run) {
+    try {
+      for (int i = 0; i < kRowsPerWriter; ++i) keys[run].push_back(insertPicking(path_, run, i));
+    } catch (const Error& e) {
+      ADD_FAILURE() << "writer " << run << ": " << e.description();
+    }
+    ++writersDone;
+  };
+  // A reader alongside sees the table only grow.
+  const auto reader = [&] {
+    std::int32_t last = 0;
+    for (int i = 0; i < 2000 && writersDone < 2; ++i) {
+      const std::int32_t now = toLong(Client(path_).scalar(u"SELECT COUNT(*) FROM PICKINGS"));
+      if (now < last) readerSawDecrease = true;
+      last = now;
+    }
+  };
+  std::thread a(writer, 0);
+  std::thread b(writer, 1);
+  std::thread r(reader);
+  a.join();
+  b.join();
+  r.join();
+  EXPECT_FALSE(readerSawDecrease);
+  EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId = 0"), kRowsPerWriter);
+  EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId = 1"), kRowsPerWriter);
+  std::vector<std::int32_t> all(keys[0]);
+  all.insert(all.end(), keys[1].begin(), keys[1].end());
+  std::sort(all.begin(), all.end());
+  EXPECT_EQ(std::adjacent_find(all.begin(), all.end()), all.end()) << "a key was given twice";
+  EXPECT_EQ(all.size(), 2u * kRowsPerWriter);
+}
+
+TEST_F(ConcurrencyTest, AnotherProcessWritingAtOnceLosesNothing) {
+  int go[2];
+  ASSERT_EQ(::pipe(go), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ::close(go[1]);
+    char start = 0;
+    int code = ::read(go[0], &start, 1) == 1 ? 0 : 2;
+    try {
+      for (int i = 0; code == 0 && i < kRowsPerWriter; ++i) insertPicking(path_, 2, i);
+    } catch (...) {
+      code = 1;
+    }
+    ::_exit(code);
+  }
+  ::close(go[0]);
+  ASSERT_EQ(::write(go[1], "g", 1), 1);
+  ::close(go[1]);
+  for (int i = 0; i < kRowsPerWriter; ++i) insertPicking(path_, 1, i);
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId = 1"), kRowsPerWriter);
+  EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId = 2"), kRowsPerWriter);
+  EXPECT_EQ(toLong(scalar(u"SELECT COUNT(DISTINCT PICKINGSID) FROM PICKINGS")), 2 * kRowsPerWriter);
+}
+
+}  // namespace
+
+}  // namespace vrdppo::embedded::testing

@@ -1,0 +1,255 @@
+// The road of one request and its neighbours, on a real embedded store.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <set>
+#include <thread>
+
+#include "endtoend/store_fixture.hpp"
+#include "vrdppo/buffer.hpp"
+#include "vrdppo/error.hpp"
+#include "vrdppo/production/stems.hpp"
+#include "vrdppo/reference/grades.hpp"
+
+using namespace vrdppo;
+using namespace vrdppo::testing;
+
+namespace {
+
+std::u16string stem(Long key, double weight, Long run, Long start = 0) {
+  return newState<cStemsPersist>([&](StemsRecord& r) {
+    r.StemsId = key;
+    r.TotalNetWeight = weight;
+    r.ContainerStart = start;
+    r.ContainerEnd = 12;
+    r.StemTypeID = 3;
+    r.ProductionRunId = run;
+  });
+}
+
+using Road = StoreTest;
+
+}  // namespace
+
+TEST_F(Road, InsertLoadUpdateDeleteAStem) {
+  cStemsPersist stems;
+  ASSERT_TRUE(stems.Commit(stem(0, 125.5, 77), connect));
+  const Long key = stems.record().StemsId;
+  EXPECT_GT(key, 0);
+  EXPECT_EQ(stems.GetState(), stem(key, 125.5, 77));  // the new key, through GetState
+
+  const auto rows = rowsOf<cStemsPersist>(stems.Load(u"ProductionRunId = 77", connect));
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0].StemsId, key);
+  EXPECT_EQ(double{rows[0].TotalNetWeight}, 125.5);
+  EXPECT_EQ(rows[0].ContainerStart, 0);  // written as Null, read back as the default
+  EXPECT_EQ(text(rows[0].KeyName), u"StemId");
+
+  ASSERT_TRUE(stems.Commit(stem(key, 98.25, 77, 4), connect));
+  auto after = rowsOf<cStemsPersist>(stems.Load(u"StemsId = " + longText(key), connect));
+  ASSERT_EQ(after.size(), 1u);
+  EXPECT_EQ(double{after[0].TotalNetWeight}, 98.25);
+  EXPECT_EQ(after[0].ContainerStart, 4);
+
+  ASSERT_TRUE(stems.Delete(stem(key, 0, 0), connect));
+  EXPECT_EQ(stems.Load(u"", connect).size(), 9u);
+}
+
+TEST_F(Road, SoftDeleteKeepsTheProductionGrade) {
+  cProductionGradePersist grades;
+  const auto make = [](Long key, std::u16string_view code) {
+    return newState<cProductionGradePersist>([&](ProductionGradeRecord& r) {
+      r.ProductionGradeId = key;
+      put(r.ProductionGradeCode, code);
+      put(r.Active, u"Y");
+    });
+  };
+  grades.Commit(make(0, u"A"), connect);
+  const Long a = grades.record().ProductionGradeId;
+  grades.Commit(make(0, u"B"), connect);
+  ASSERT_TRUE(grades.Delete(make(a, u"A"), connect));
+  auto rows = rowsOf<cProductionGradePersist>(
+      grades.Load(u"ProductionGradeId = " + longText(a), connect, 0));
+  ASSERT_EQ(rows.size(), 1u);  // the row stays, flagged
+  EXPECT_EQ(text(rows[0].DeletedFlag), u"Y");
+  // CriteriaDelete with bHardDelete False and no criteria flags every row.
+  ASSERT_TRUE(grades.CriteriaDelete(make(a, u"A"), connect, u"", false));
+  EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM PRODUCTIONGRADE WHERE DELETEDFLAG = 'y'"), 2);
+  ASSERT_TRUE(grades.CriteriaDelete(make(a, u"A"), connect, u"ProductionGradeCode = 'a'", true));
+  EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM PRODUCTIONGRADE"), 1);
+}
+
+TEST_F(Road, TopInBothGenerations) {
+  cGreenGradePersist green;
+  cProductionGradePersist production;
+  for (int i = 0; i < 7; ++i) {
+    green.Commit(newState<cGreenGradePersist>([&](GreenGradeRecord& r) {
+                   put(r.GradeCode, u"G" + longText(i));
+                   r.CompanyId = 3;
+                 }),
+                 connect);
+    production.Commit(newState<cProductionGradePersist>(
+                          [&](ProductionGradeRecord& r) { put(r.ProductionGradeCode, u"P"); }),
+                      connect);
+  }
+  const auto g = green.Load(u"CompanyId = 3 ORDER BY GreenGradeId DESC", connect, 5);
+  const auto gRows = rowsOf<cGreenGradePersist>(g);
+  ASSERT_EQ(gRows.size(), 5u);
+  EXPECT_EQ(text(gRows[0].GradeCode), u"G6");
+  EXPECT_EQ(readBufferHeader(g).estimate, 10);
+  const auto p = production.Load(u"", connect, 3);
+  EXPECT_EQ(rowsOf<cProductionGradePersist>(p).size(), 3u);
+  EXPECT_EQ(readBufferHeader(p).capacity, 3);
+  EXPECT_EQ(rowsOf<cProductionGradePersist>(production.Load(u"", connect, 0)).size(), 7u);
+}
+
+TEST_F(Road, QuotesSurviveWhereTheyAreDoubled) {
+  cProductionGradePersist production;
+  const std::u16string code = u"O'N\"x";
+  production.Commit(newState<cProductionGradePersist>(
+                        [&](ProductionGradeRecord& r) { put(r.ProductionGradeCode, code); }),
+                    connect);
+  const Long key = production.record().ProductionGradeId;
+  auto rows = rowsOf<cProductionGradePersist>(production.Load(u"", connect, 0));
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(text(rows[0].ProductionGradeCode), code);
+  // Through UPDATE as well.
+  production.Commit(newState<cProductionGradePersist>([&](ProductionGradeRecord& r) {
+                      r.ProductionGradeId = key;
+                      put(r.ProductionGradeCode, u"\"'\"");
+                    }),
+                    connect);
+  rows = rowsOf<cProductionGradePersist>(production.Load(u"", connect, 0));
+  EXPECT_EQ(text(rows[0].ProductionGradeCode), u"\"'\"");
+
+  cGreenGradePersist green;  // first generation, but this class doubles too
+  green.Commit(newState<cGreenGradePersist>([&](GreenGradeRecord& r) { put(r.GradeCode, code); }),
+               connect);
+  EXPECT_EQ(text(rowsOf<cGreenGradePersist>(green.Load(u"", connect)).at(0).GradeCode), code);
+}
+
+TEST_F(Road, ViewsReadWhatTheTablesWrote) {
+  const Long company = insert(
+      u"INSERT INTO COMPANY (CompanyCode, CompanyName, DeletedFlag) VALUES ('TT', 'Traders', 'N')");
+  const Long grade = insert(u"INSERT INTO GRADE (GradeCode, CompanyId) VALUES ('FLUE', " +
+                            longText(company) + u")");
+  cGreenGradePersist green;
+  green.Commit(newState<cGreenGradePersist>([&](GreenGradeRecord& r) {
+                 put(r.GradeCode, u"L1O");
+                 r.CompanyId = company;
+                 put(r.ScrapGrade, u"N");
+               }),
+               connect);
+  cvGreenGradeListPersist list;
+  auto rows = rowsOf<cvGreenGradeListPersist>(list.Load(u"companydeleted = 'N'", connect));
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0].GreenGradeId, green.record().GreenGradeId);
+  EXPECT_EQ(text(rows[0].CompanyName), u"Traders");
+  EXPECT_EQ(text(rows[0].ScrapGrade), u"N");
+
+  cProductionGradePersist production;
+  production.Commit(newState<cProductionGradePersist>([&](ProductionGradeRecord& r) {
+                      put(r.ProductionGradeCode, u"STRIP");
+                      r.GradeId = grade;
+                      r.ReportingCompanyId = company;
+                    }),
+                    connect);
+  cvProductionGradeListPersist productionList;
+  auto pRows = rowsOf<cvProductionGradeListPersist>(productionList.Load(u"", connect));
+  ASSERT_EQ(pRows.size(), 1u);
+  EXPECT_EQ(text(pRows[0].GradeCode), u"FLUE");
+  EXPECT_EQ(text(pRows[0].ProductionGradeCode), u"STRIP");
+  EXPECT_EQ(pRows[0].ReportingCompanyId, company);
+
+  const Long run = insert(u"INSERT INTO PRODUCTIONRUN (ProductionDate) VALUES ('2019/03/07')");
+  insert(u"INSERT INTO PICKINGS (ProductionRunId, Weight, PickingTypeId) VALUES (" + longText(run) +
+         u", 5, 4)");
+  insert(u"INSERT INTO PICKINGS (ProductionRunId, Weight, PickingTypeId) VALUES (" + longText(run) +
+         u", 6, 4)");
+  cvRunPickingTypesPersist picking;
+  auto pick = rowsOf<cvRunPickingTypesPersist>(
+      picking.Load(u"ProductionRunId = " + longText(run), connect));
+  ASSERT_EQ(pick.size(), 1u);
+  EXPECT_EQ(pick[0].PickingTypeId, 4);
+  EXPECT_EQ(double{pick[0].ProductionDate.days}, makeDate(2019, 3, 7).days);
+}
+
+TEST_F(Road, TwoThreadsWithTheirOwnConnectionStrings) {
+  const std::string other = scratchPath("Road-other");
+  removeStore(other);
+  const std::u16string otherConnect = embedded::connectString(other);
+  const auto work = [](std::u16string connect, Long run, int count) {
+    cStemsPersist stems;
+    for (int i = 0; i < count; ++i) {
+      dbHelp::ConnectString = connect;  // each operation sets it; the thread keeps its own
+      stems.Commit(stem(0, i, run), connect);
+    }
+    return stems.Load(u"", connect);
+  };
+  std::u16string a;
+  std::u16string b;
+  std::thread ta([&] { a = work(connect, 1, 40); });
+  std::thread tb([&] { b = work(otherConnect, 2, 25); });
+  ta.join();
+  tb.join();
+  EXPECT_EQ(readBufferHeader(a).count, 40);
+  EXPECT_EQ(readBufferHeader(b).count, 25);
+  for (const auto& r : rowsOf<cStemsPersist>(b)) EXPECT_EQ(r.ProductionRunId, 2);
+  EXPECT_EQ(dbHelp::ConnectString, u"");  // this thread's own stayed empty
+  removeStore(other);
+}
+
+TEST_F(Road, AKilledProcessLosesNoCommittedRow) {
+  int pipeFds[2];
+  ASSERT_EQ(pipe(pipeFds), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    close(pipeFds[0]);
+    cStemsPersist stems;
+    for (int i = 0; i < 100000; ++i) {  // bounded; the parent kills it long before
+      if (!stems.Commit(stem(0, i, 5), connect)) _exit(3);
+      const Long key = stems.record().StemsId;
+      if (write(pipeFds[1], &key, sizeof key) != sizeof key) _exit(4);
+    }
+    _exit(0);
+  }
+  close(pipeFds[1]);
+  std::set<Long> reported;
+  Long key = 0;
+  while (reported.size() < 150 && read(pipeFds[0], &key, sizeof key) == sizeof key) {
+    reported.insert(key);
+  }
+  kill(child, SIGKILL);
+  while (read(pipeFds[0], &key, sizeof key) == sizeof key) reported.insert(key);
+  close(pipeFds[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_GE(reported.size(), 150u);
+
+  cStemsPersist stems;
+  std::set<Long> stored;
+  for (const auto& r : rowsOf<cStemsPersist>(stems.Load(u"", connect))) stored.insert(r.StemsId);
+  for (const Long k : reported) EXPECT_TRUE(stored.count(k)) << "lost key " << k;
+}
+
+TEST_F(Road, ErrorsOfTheStoreReachTheCaller) {
+  cStemsPersist stems;
+  try {
+    stems.Load(u"NoSuchColumn = 1", connect);
+    ADD_FAILURE();
+  } catch (const Error& e) {
+    EXPECT_EQ(e.number(), err::kCommandError);
+  }
+  try {
+    dbHelp::ConnectString = connect;
+    dbHelp::OpenRecordset(u"SELECT * FROM NOSUCHTABLE");
+    ADD_FAILURE();
+  } catch (const Error& e) {
+    EXPECT_EQ(e.number(), err::kMissingTable);
+    EXPECT_EQ(e.sqlState(), "42S02");
+  }
+}

@@ -1,0 +1,97 @@
+// A fresh embedded store file for each test, and small helpers to build states.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "providers/embedded/embedded_store.hpp"
+#include "vrdppo/buffer.hpp"
+#include "vrdppo/dbhelp.hpp"
+#include "vrdppo/render.hpp"
+#include "vrdppo/text.hpp"
+
+namespace vrdppo::testing {
+
+inline std::string scratchPath(const std::string& name) {
+  const char* dir = std::getenv("VRDPPO_TEST_TMP");
+  const std::filesystem::path base = dir ? dir : std::filesystem::temp_directory_path().string();
+  std::filesystem::create_directories(base);
+  return (base / (name + "-" + std::to_string(::getpid()) + ".db")).string();
+}
+
+inline void removeStore(const std::string& path) {
+  embedded::releaseStore(path);
+  for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path + suffix);
+}
+
+class StoreTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    path = scratchPath(std::string(info->test_suite_name()) + "-" + info->name());
+    removeStore(path);
+    connect = embedded::connectString(path);
+  }
+  void TearDown() override {
+    dbHelp::ConnectString.clear();
+    removeStore(path);
+  }
+
+  // Runs a statement on the store through the gateway and gives the first column of its first
+  // row as a Long (0 when it has no rows).
+  Long scalar(const std::u16string& sql) {
+    dbHelp::ConnectString = connect;
+    const auto rs = dbHelp::OpenRecordset(sql);
+    if (rs->State() != adStateOpen || rs->EOF_()) return 0;
+    return toLong(rs->Fields(std::size_t{0}));
+  }
+  Long insert(const std::u16string& sql) {
+    return scalar(u"EXEC sp_InsertStatement @p_Stmt = \"" + sql + u"\"");
+  }
+
+  std::string path;
+  std::u16string connect;
+};
+
+template <std::size_t N>
+void put(FixedString<N>& f, std::u16string_view s) {
+  std::fill(std::begin(f.c), std::end(f.c), u' ');
+  std::copy_n(s.data(), std::min(N, s.size()), f.c);
+}
+
+template <std::size_t N>
+std::u16string text(const FixedString<N>& f) {
+  return std::u16string(trimBlanks(f.view()));
+}
+
+// The state of a new record of the class, as its initialiser leaves it and `set` changes it.
+template <class Class, class F>
+std::u16string newState(F set) {
+  Class o;
+  initialiseRecord(o.layout(), o.recordBytes());
+  set(o.record());
+  return o.GetState();
+}
+
+// The records of a Buffer state, each read into an object of the class.
+template <class Class>
+std::vector<typename std::remove_reference_t<decltype(std::declval<Class&>().record())>> rowsOf(
+    const std::u16string& state) {
+  using Record = std::remove_reference_t<decltype(std::declval<Class&>().record())>;
+  Buffer b;
+  b.SetState(state);
+  std::vector<Record> rows;
+  for (std::int32_t i = 1; i <= b.Count(); ++i) {
+    Class o;
+    o.SetState(b.Item(i));
+    rows.push_back(o.record());
+  }
+  return rows;
+}
+
+}  // namespace vrdppo::testing

@@ -1,0 +1,180 @@
+#include <gtest/gtest.h>
+
+#include "vrdppo/buffer.hpp"
+#include "vrdppo/error.hpp"
+
+using namespace vrdppo;
+
+namespace {
+
+int32_t numberOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const Error& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+std::u16string rec(char16_t c, std::size_t n) {
+  return std::u16string(n, c);
+}
+
+Buffer filled(std::int16_t length, std::int32_t estimate, int count) {
+  Buffer b;
+  b.Initialize(length, estimate);
+  for (int i = 0; i < count; ++i) b.Add(rec(static_cast<char16_t>(u'a' + i % 26), length));
+  return b;
+}
+
+}  // namespace
+
+TEST(Buffer, AnEmptyStateIsHeaderAndSpareCharacter) {
+  Buffer b;
+  b.Initialize(43, 10);
+  const auto s = b.GetState();
+  ASSERT_EQ(s.size(), 9u);
+  const BufferHeader h = readBufferHeader(s);
+  EXPECT_EQ(h.recordLength, 43);
+  EXPECT_EQ(h.estimate, 10);
+  EXPECT_EQ(h.capacity, 10);
+  EXPECT_EQ(h.count, 0);
+  // Low byte first: L = 43 in char 0, padding 0 in char 1, estimate 10 in chars 2 and 3.
+  EXPECT_EQ(s.substr(0, 8), (std::u16string{43, 0, 10, 0, 10, 0, 0, 0}));
+  EXPECT_EQ(s[8], u' ');
+}
+
+TEST(Buffer, GrowsByHalfTheEstimate) {
+  Buffer b = filled(43, 10, 10);
+  EXPECT_EQ(b.textLength(), 9u + 430u);  // no growth for the first ten
+  b.Add(rec(u'k', 43));
+  EXPECT_EQ(b.textLength(), 9u + 430u + 215u);
+  const auto s = b.GetState();
+  EXPECT_EQ(s.size(), 9u + 43u * 11u);
+  EXPECT_EQ(readBufferHeader(s).capacity, 15);
+  EXPECT_EQ(readBufferHeader(s).count, 11);
+  EXPECT_EQ(s.substr(8 + 43 * 10, 43), rec(u'k', 43));
+  EXPECT_EQ(s.back(), u' ');  // the spare character behind the last record
+}
+
+TEST(Buffer, AnOddEstimateCutsTheRecordOnTheLastSlot) {
+  Buffer b = filled(43, 5, 5);
+  b.Add(rec(u'x', 43));  // grows by RoundEven(107.5) = 108 characters but 3 slots
+  EXPECT_EQ(b.capacity(), 8);
+  EXPECT_EQ(b.textLength(), 9u + 215u + 108u);
+  b.Add(rec(u'y', 43));
+  b.Add(rec(u'z', 43));  // the third of the new slots has 23 characters of room
+  EXPECT_EQ(b.Item(8), rec(u'z', 23));
+  // The fourth overflowing Add grows by another 108 and goes on.
+  b.Add(rec(u'w', 43));
+  EXPECT_EQ(b.capacity(), 10);  // RoundEven(2.5 + 8) = 10
+}
+
+TEST(Buffer, AnEstimateOfOneStallsAndThenRaises) {
+  Buffer b;
+  b.Initialize(4, 1);
+  b.Add(u"aaaa");
+  b.Add(u"bbbb");  // capacity 1 -> 2, but only 2 more characters: cut
+  EXPECT_EQ(b.capacity(), 2);
+  EXPECT_EQ(b.Item(2), u"bbb");
+  b.Add(u"cccc");  // RoundEven(2.5) = 2: no new slot, one character of room
+  EXPECT_EQ(b.capacity(), 2);
+  EXPECT_EQ(b.Item(3), u"c");
+  EXPECT_EQ(numberOf([&] { b.Add(u"dddd"); }), err::kInvalidCall);
+}
+
+TEST(Buffer, AShortRecordLeavesWhatWasBehindIt) {
+  Buffer b;
+  b.Initialize(5, 2);
+  b.Add(u"ab");
+  EXPECT_EQ(b.Item(1), u"ab   ");
+  b.Item(1, u"wxyzQQQ");
+  b.Item(1, u"12");
+  EXPECT_EQ(b.Item(1), u"12yzQ");
+}
+
+TEST(Buffer, OutOfRangeIndicesAreIgnored) {
+  Buffer b = filled(3, 4, 2);
+  EXPECT_EQ(b.Item(0), u"");
+  EXPECT_EQ(b.Item(3), u"");
+  b.CurrentItem(2);
+  b.CurrentItem(0);
+  b.CurrentItem(3);
+  EXPECT_EQ(b.CurrentItem(), 2);
+  b.Item(3, u"zzz");
+  EXPECT_EQ(b.GetState().substr(8), u"aaabbb ");
+  b.EOF_(true);
+  EXPECT_TRUE(b.EOF_());
+}
+
+TEST(Buffer, SetStateKeepsNextPosition) {
+  const std::u16string state = filled(3, 4, 2).GetState();
+  Buffer b;
+  b.SetState(state);
+  EXPECT_EQ(b.Count(), 2);
+  EXPECT_EQ(b.Length(), 3);
+  EXPECT_EQ(b.Item(2), u"bbb");
+  EXPECT_EQ(b.GetState(), u"");  // next position of a new object is still 0
+  EXPECT_EQ(numberOf([&] { b.Add(u"ccc"); }), err::kInvalidCall);
+
+  Buffer e;
+  e.SetState(u"ERROR");
+  EXPECT_EQ(e.GetState(), u"ERROR");
+
+  Buffer shortState;
+  shortState.SetState(u"ab");  // blanks stand in for the missing header characters
+  EXPECT_EQ(shortState.Length(), 'a');
+  EXPECT_EQ(shortState.Count(), 0x00200020);
+}
+
+TEST(Buffer, ExtractPage) {
+  struct Case {
+    std::int32_t page, expectPage, expectCount;
+    char16_t firstChar;
+  } cases[] = {
+      {0, 1, 10, u'a'},  // first is -10, so the page becomes 1
+      {2, 2, 10, u'k'},
+      {3, 3, 5, u'u'},
+      {9, 3, 5, u'u'},  // beyond the end: the last page
+  };
+  for (const auto& c : cases) {
+    Buffer b = filled(4, 25, 25);
+    std::int32_t page = c.page;
+    EXPECT_EQ(b.ExtractPage(10, page), c.expectPage);
+    EXPECT_EQ(page, c.expectPage);
+    EXPECT_EQ(b.Count(), c.expectCount);
+    EXPECT_EQ(b.GetMaxPage(), 3);
+    EXPECT_EQ(b.GetCurrentPage(), c.expectPage);
+    EXPECT_EQ(b.CurrentItem(), 1);
+    // The cut starts eight characters ahead of the first record, which becomes header room.
+    EXPECT_EQ(b.Item(1), rec(c.firstChar, 4));
+  }
+  Buffer empty = filled(4, 5, 0);
+  std::int32_t page = 1;
+  EXPECT_EQ(numberOf([&] { empty.ExtractPage(1, page); }), err::kInvalidCall);
+  EXPECT_EQ(numberOf([&] { empty.ExtractPage(0, page); }), err::kDivisionByZero);
+}
+
+TEST(Buffer, RemoveAndRemoveRangeIgnoreTheHeader) {
+  Buffer b = filled(4, 5, 4);  // header, aaaa bbbb cccc dddd, a free slot, the spare character
+  const std::u16string before = b.GetState();
+  b.Remove(1);  // left 4 characters, right the last (4 - 1 - 1) x 4 = 8 characters
+  EXPECT_EQ(b.Count(), 3);
+  EXPECT_EQ(b.GetState().size(), 12u);
+  EXPECT_EQ(b.GetState().substr(8), rec(u' ', 4));  // "ddd" went under the header
+  EXPECT_EQ(numberOf([] {
+              Buffer big = filled(300, 200, 0);
+              big.Remove(200);  // 300 x 200 overflows the 16-bit product
+            }),
+            err::kOverflow);
+
+  Buffer r = filled(4, 4, 4);
+  EXPECT_EQ(r.RemoveRange(2, 1), 0);
+  EXPECT_EQ(r.RemoveRange(-1, 1), 0);
+  EXPECT_EQ(r.RemoveRange(1, 4), 0);
+  EXPECT_EQ(r.RemoveRange(0, 0), 1);  // removes the header room: alignment holds
+  EXPECT_EQ(r.Count(), 3);
+  EXPECT_EQ(r.CurrentItem(), 1);
+  EXPECT_EQ(r.RemoveRange(1), 0);  // a left-out last is 0, and 1 <= 0 fails
+  EXPECT_EQ(before.size(), 25u);
+}

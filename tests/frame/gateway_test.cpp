@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include "support/scripted_provider.hpp"
+#include "vrdppo/dbhelp.hpp"
+#include "vrdppo/error.hpp"
+
+using namespace vrdppo;
+using vrdppo::testing::providerError;
+using vrdppo::testing::ScriptedProvider;
+
+namespace {
+
+class Gateway : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dbHelp::ConnectString = u"DSN=plant";
+    dbHelp::AppName.clear();
+    dbHelp::AuditTrailId = 0;
+  }
+  void TearDown() override {
+    dbHelp::ConnectString.clear();
+    dbHelp::AppName.clear();
+    dbHelp::AuditTrailId = 0;
+  }
+  ScriptedProvider db;
+};
+
+int32_t numberOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const Error& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST_F(Gateway, RunsTheTenStepsInOrder) {
+  db.answerRows(u"SELECT", {u"A"}, {{int32_t{1}}});
+  const auto rs = dbHelp::OpenRecordset(u"SELECT A FROM T");
+  EXPECT_EQ(db.log(), (std::vector<std::string>{"create", "cursor 3", "open DSN=plant|||-1",
+                                                "execute SET QUOTED_IDENTIFIER OFF|-1", "timeout 0",
+                                                "execute SELECT A FROM T|-1", "close", "release"}));
+  ASSERT_EQ(rs->State(), adStateOpen);
+  EXPECT_EQ(rs->Fields(u"a").lng(), 1);
+}
+
+TEST_F(Gateway, SendsTheAuditTrailIdAheadOfTheTimeoutWhenSet) {
+  dbHelp::AuditTrailId = 12;
+  dbHelp::OpenRecordset(u"UPDATE T SET A = 1");
+  EXPECT_EQ(db.log(),
+            (std::vector<std::string>{"create", "cursor 3", "open DSN=plant|||-1",
+                                      "execute SET QUOTED_IDENTIFIER OFF|-1",
+                                      "execute exec ZZ_SetAuditTrailID 12|-1", "timeout 0",
+                                      "execute UPDATE T SET A = 1|-1", "close", "release"}));
+}
+
+TEST_F(Gateway, ChoosesTheConnectionString) {
+  struct Case {
+    std::u16string connect, app;
+    std::string opened;
+  } cases[] = {
+      {u"", u"", "open DRIVER={SQL Server};SERVER=localhost;UID=vrd;PWD=vrd;DATABASE=VRD|||-1"},
+      // An empty string gives the default even when AppName is set: the first case wins.
+      {u"", u"Floor",
+       "open DRIVER={SQL Server};SERVER=localhost;UID=vrd;PWD=vrd;DATABASE=VRD|||-1"},
+      {u"DSN=plant", u"Floor", "open DSN=plant;APP=Floor|||-1"},
+      {u"DSN=plant", u"", "open DSN=plant|||-1"},
+  };
+  for (const auto& c : cases) {
+    db.clear();
+    dbHelp::ConnectString = c.connect;
+    dbHelp::AppName = c.app;
+    dbHelp::OpenRecordset(u"SELECT 1");
+    EXPECT_EQ(db.log().at(2), c.opened);
+  }
+}
+
+TEST_F(Gateway, AStatementWithoutRowsGivesAClosedRecordset) {
+  const auto rs = dbHelp::OpenRecordset(u"DELETE FROM T");
+  EXPECT_EQ(rs->State(), adStateClosed);
+  EXPECT_EQ(numberOf([&] { rs->Close(); }), err::kObjectClosed);
+}
+
+TEST_F(Gateway, FailuresRaiseTheProvidersErrorAndReleaseTheConnection) {
+  struct Case {
+    const char* where;
+    std::function<void(ScriptedProvider&)> arm;
+    std::vector<std::string> log;
+  } cases[] = {
+      {"open",
+       [](ScriptedProvider& p) { p.failOpen(providerError("[x] login failed")); },
+       {"create", "cursor 3", "open DSN=plant|||-1", "release"}},
+      {"quoted identifier",
+       [](ScriptedProvider& p) { p.failExecute(u"QUOTED", providerError("[x] no")); },
+       {"create", "cursor 3", "open DSN=plant|||-1", "execute SET QUOTED_IDENTIFIER OFF|-1",
+        "release"}},
+      {"statement",
+       [](ScriptedProvider& p) { p.failExecute(u"SELECT", providerError("[x] bad")); },
+       {"create", "cursor 3", "open DSN=plant|||-1", "execute SET QUOTED_IDENTIFIER OFF|-1",
+        "timeout 0", "execute SELECT * FROM T|-1", "release"}},
+      {"close",
+       [](ScriptedProvider& p) { p.failClose(providerError("[x] gone")); },
+       {"create", "cursor 3", "open DSN=plant|||-1", "execute SET QUOTED_IDENTIFIER OFF|-1",
+        "timeout 0", "execute SELECT * FROM T|-1", "close", "release"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.where);
+    ScriptedProvider p;  // newest registration takes the string
+    c.arm(p);
+    try {
+      dbHelp::OpenRecordset(u"SELECT * FROM T");
+      ADD_FAILURE() << "no error raised";
+    } catch (const Error& e) {
+      EXPECT_EQ(e.number(), err::kCommandError);
+      EXPECT_EQ(e.sqlState(), "42000");
+    }
+    EXPECT_EQ(p.log(), c.log);
+  }
+}
+
+TEST_F(Gateway, AFailingAuditTrailProcedureRaises) {
+  dbHelp::AuditTrailId = 7;
+  db.failExecute(u"ZZ_SetAuditTrailID", providerError());
+  EXPECT_EQ(numberOf([] { dbHelp::OpenRecordset(u"SELECT 1"); }), err::kCommandError);
+  EXPECT_EQ(db.statements().size(), 2u);
+}
+
+TEST(ReplaceAll, ReplacesFromTheLeftWithoutOverlapOrRescanning) {
+  struct Case {
+    std::u16string source, find, replace, expected;
+  } cases[] = {
+      {u"O'Neil", u"'", u"''", u"O''Neil"},
+      {u"aaa", u"aa", u"b", u"ba"},
+      {u"abab", u"ab", u"abab", u"abababab"},
+      {u"Case", u"c", u"k", u"Case"},  // binary comparison
+      {u"", u"x", u"y", u""},
+      {u"x\"y\"", u"\"", u"\"\"", u"x\"\"y\"\""},
+      {u"end'", u"'", u"", u"end"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(dbHelp::ReplaceAll(c.source, c.find, c.replace), c.expected);
+  }
+}
+
+TEST(ReplaceAll, OverflowsBeyondPosition32767OfTheRest) {
+  const std::u16string near(32766, u'a');
+  EXPECT_EQ(dbHelp::ReplaceAll(near + u"'", u"'", u"''"), near + u"''");
+  // The position counts from the end of the previous occurrence, not from the start.
+  EXPECT_EQ(dbHelp::ReplaceAll(near + u"'" + near + u"'", u"'", u"").size(), 2 * near.size());
+  EXPECT_EQ(numberOf([&] { dbHelp::ReplaceAll(near + u"a'", u"'", u"''"); }), err::kOverflow);
+  // No occurrence: nothing is counted.
+  EXPECT_EQ(dbHelp::ReplaceAll(near + near, u"'", u"''").size(), 2 * near.size());
+}
+
+TEST(ReplaceAll, RefusesAnEmptyFindInsteadOfLoopingForever) {
+  EXPECT_EQ(numberOf([] { dbHelp::ReplaceAll(u"abc", u"", u"x"); }), err::kInvalidCall);
+}

@@ -1,0 +1,45 @@
+// The subcommands of the vrdppo tool.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fields.hpp"
+
+namespace vrdppo::cli {
+
+struct Options {
+  std::vector<std::string> positional;
+  std::vector<Assignment> sets;
+  std::vector<Assignment> args;
+  std::optional<std::string> connect;
+  std::optional<std::string> state;
+  bool json = false;
+  bool buffer = false;
+  bool keep = false;
+};
+
+// Each returns the process's exit code; errors the user can mend throw std::invalid_argument.
+int listClasses(const Options& o, std::ostream& out);
+int showLayout(const Options& o, std::ostream& out);
+int decode(const Options& o, std::istream& in, std::ostream& out);
+int encode(const Options& o, std::istream& in, std::ostream& out);
+int showSql(const Options& o, std::ostream& out);
+int load(const Options& o, std::ostream& out);
+int commit(const Options& o, std::ostream& out);
+int remove(const Options& o, std::ostream& out);
+int demo(const Options& o, std::ostream& out);
+
+// The class of a name, or std::invalid_argument naming the closest ones.
+const ClassInfo& classNamed(const std::string& name);
+// The connection string: --connect, or the embedded store vrdppo.db in the working directory.
+std::u16string connectionOf(const Options& o);
+// Records of a state as a table or JSON lines.
+void printRecords(const RecordLayout& layout, const std::vector<std::u16string>& states, bool json,
+                  std::ostream& out);
+// The records of a Buffer state.
+std::vector<std::u16string> recordsOf(std::u16string_view bufferState);
+
+}  // namespace vrdppo::cli

@@ -1,0 +1,76 @@
+// The demo's shared context: the store, the trace of statements, helpers to build records. Each
+// subsystem's part of the plant's day is a section of its own file.
+#pragma once
+
+#include <algorithm>
+#include <iosfwd>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "vrdppo/provider.hpp"
+#include "vrdppo/record.hpp"
+#include "vrdppo/render.hpp"
+
+namespace vrdppo::cli {
+
+// Wraps the embedded store's connections and keeps the statements sent through them.
+class Trace {
+ public:
+  Trace();
+  ~Trace();
+  std::vector<std::string> take();
+  void add(std::string statement);
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::string> statements_;
+  std::unique_ptr<providers::Registration> registration_;
+};
+
+struct DemoContext {
+  DemoContext(std::u16string c, Trace& t, std::ostream& o)
+      : connect(std::move(c)), trace(t), out(o) {}
+  std::u16string connect;
+  Trace& trace;
+  std::ostream& out;
+  // Keys that one section makes and a later one uses.
+  Long company = 0, otherCompany = 0, grade = 0, productionGrade = 0, greenGrade = 0, run = 0;
+
+  // A numbered heading.
+  void heading(const std::string& text);
+  // The statements sent since the last call, "SET QUOTED_IDENTIFIER OFF" left out.
+  void statements();
+  // An insert through the database's own insert procedure, for tables without a class.
+  Long insert(const std::u16string& sql);
+  // A Buffer state as a table.
+  void table(const RecordLayout& layout, const std::u16string& bufferState);
+
+ private:
+  int step_ = 0;
+};
+
+template <std::size_t N>
+void put(FixedString<N>& f, std::u16string_view s) {
+  std::fill(std::begin(f.c), std::end(f.c), u' ');
+  std::copy_n(s.data(), std::min(N, s.size()), f.c);
+}
+
+// The state of a new record, as the class's initialiser leaves it and `set` changes it.
+template <class Class, class F>
+std::u16string newRecord(F set) {
+  Class o;
+  initialiseRecord(o.layout(), o.recordBytes());
+  set(o.record());
+  return o.GetState();
+}
+
+// The sections, in the order of the day.
+void demoGrades(DemoContext& d);
+void demoProduction(DemoContext& d);
+void demoGreenLeaf(DemoContext& d);
+void demoLab(DemoContext& d);
+
+}  // namespace vrdppo::cli
