@@ -30,18 +30,6 @@ std::string_view trimmed(std::string_view s) {
   return s;
 }
 
-template <class T>
-T load(const std::byte* record, std::uint16_t offset) {
-  T v;
-  std::memcpy(&v, record + offset, sizeof v);
-  return v;
-}
-
-template <class T>
-void save(std::byte* record, std::uint16_t offset, const T& v) {
-  std::memcpy(record + offset, &v, sizeof v);
-}
-
 std::string shortestDouble(double v) {
   char buf[64];
   const auto r = std::to_chars(buf, buf + sizeof buf, v);
@@ -165,18 +153,18 @@ std::string typeText(const Column& c) {
 std::string fieldText(const Column& c, const std::byte* record) {
   switch (c.type) {
     case FieldType::Long:
-      return std::to_string(load<Long>(record, c.offset));
+      return std::to_string(readField<Long>(record, c.offset));
     case FieldType::Double:
-      return shortestDouble(load<Double>(record, c.offset));
+      return shortestDouble(readField<Double>(record, c.offset));
     case FieldType::Currency: {
-      std::string s = toUtf8(currencyText(load<Currency>(record, c.offset)));
+      std::string s = toUtf8(currencyText(readField<Currency>(record, c.offset)));
       for (auto& ch : s) {
         if (ch == ',') ch = '.';
       }
       return s;
     }
     case FieldType::Date: {
-      const Date d = load<Date>(record, c.offset);
+      const Date d = readField<Date>(record, c.offset);
       try {
         const DateParts p = splitDate(d);
         if (makeDate(p.year, p.month, p.day, p.hour, p.minute, p.second).days == d.days) {
@@ -201,17 +189,17 @@ void setFieldText(const Column& c, std::byte* record, std::string_view text) {
   try {
     switch (c.type) {
       case FieldType::Long:
-        save<Long>(record, c.offset, toLong(Variant(fromUtf8(t))));
+        writeField<Long>(record, c.offset, toLong(Variant(fromUtf8(t))));
         break;
       case FieldType::Double:
-        save<Double>(record, c.offset, parseDouble(t));
+        writeField<Double>(record, c.offset, parseDouble(t));
         break;
       case FieldType::Currency:
-        save<Currency>(record, c.offset, toCurrency(Variant(fromUtf8(t))));
+        writeField<Currency>(record, c.offset, toCurrency(Variant(fromUtf8(t))));
         break;
       case FieldType::Date:
-        save<Date>(record, c.offset,
-                   looksLikeNumber(t) ? Date{parseDouble(t)} : parseDate(fromUtf8(t)));
+        writeField<Date>(record, c.offset,
+                         looksLikeNumber(t) ? Date{parseDouble(t)} : parseDate(fromUtf8(t)));
         break;
       case FieldType::String: {
         const std::u16string s = unescapeState(t);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string>
 #include <string_view>
@@ -98,6 +99,19 @@ template <class T, std::size_t Actual, std::size_t Expected>
 consteval TrailingField makeTrailing(std::u16string_view literal) {
   static_assert(Actual == Expected, "the trailing field's offset differs from its layout table");
   return TrailingField{static_cast<std::uint16_t>(Actual), FieldTraits<T>::length, literal};
+}
+
+// A field's value at an offset of a record image, and back. Records are packed, so fields are
+// copied, never referred to.
+template <class T>
+T readField(const std::byte* record, std::uint16_t offset) noexcept {
+  T v;
+  std::memcpy(&v, record + offset, sizeof v);
+  return v;
+}
+template <class T>
+void writeField(std::byte* record, std::uint16_t offset, const T& v) noexcept {
+  std::memcpy(record + offset, &v, sizeof v);
 }
 
 // A record's layout: R from the struct, C copied from the class's table.

@@ -25,7 +25,7 @@ class Recordset {
   // Appends one row; its size must equal the column count.
   void addRow(std::vector<Variant> row);
   // Appends one cell to the row being built; providers fill rows cell by cell.
-  void pushCell(Variant v) { cells_.push_back(std::move(v)); }
+  void pushCell(Variant v);
   // Positions on the first row; providers call it once all rows are in.
   void rewind();
 
@@ -52,9 +52,17 @@ class Recordset {
   void requireOpen() const;
   void requireRow() const;
 
+  const Variant& cell(std::size_t index) const {
+    return blocks_[index / kBlockCells][index % kBlockCells];
+  }
+
+  // Cells live in blocks that never move: a result of unknown size grows without copying, and
+  // blocks small enough for the allocator to reuse keep a large fetch off fresh pages.
+  static constexpr std::size_t kBlockCells = 2048;
   bool open_ = false;
   std::vector<std::u16string> columns_;
-  std::vector<Variant> cells_;
+  std::vector<std::vector<Variant>> blocks_;
+  std::size_t cellCount_ = 0;
   std::size_t pos_ = 0;  // current row
 };
 

@@ -128,13 +128,11 @@ std::u16string loadInto(PersistObject& object, const LoadSpec& spec,
 // --- tables ---
 
 std::int32_t TableObject::key() const noexcept {
-  std::int32_t k;
-  std::memcpy(&k, recordBytes() + layout().columns[0].offset, sizeof k);
-  return k;
+  return readField<Long>(recordBytes(), layout().columns[0].offset);
 }
 
 void TableObject::setKey(std::int32_t key) noexcept {
-  std::memcpy(recordBytes() + layout().columns[0].offset, &key, sizeof key);
+  writeField<Long>(recordBytes(), layout().columns[0].offset, key);
 }
 
 std::u16string TableObject::FieldValue(std::u16string_view name) const {

@@ -19,9 +19,18 @@ bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept {
 Recordset::Recordset(std::vector<std::u16string> columns)
     : open_(true), columns_(std::move(columns)) {}
 
+void Recordset::pushCell(Variant v) {
+  if (cellCount_ % kBlockCells == 0) {
+    blocks_.emplace_back();
+    blocks_.back().reserve(kBlockCells);
+  }
+  blocks_.back().push_back(std::move(v));
+  ++cellCount_;
+}
+
 void Recordset::addRow(std::vector<Variant> row) {
   if (row.size() != columns_.size()) throw Error::runtime(err::kInvalidCall);
-  for (auto& v : row) cells_.push_back(std::move(v));
+  for (auto& v : row) pushCell(std::move(v));
 }
 
 void Recordset::rewind() {
@@ -29,7 +38,7 @@ void Recordset::rewind() {
 }
 
 std::size_t Recordset::recordCount() const {
-  return columns_.empty() ? 0 : cells_.size() / columns_.size();
+  return columns_.empty() ? 0 : cellCount_ / columns_.size();
 }
 
 void Recordset::requireOpen() const {
@@ -60,8 +69,9 @@ void Recordset::MoveNext() {
 void Recordset::Close() {
   requireOpen();
   open_ = false;
-  cells_.clear();
-  cells_.shrink_to_fit();
+  blocks_.clear();
+  blocks_.shrink_to_fit();
+  cellCount_ = 0;
 }
 
 std::size_t Recordset::fieldCount() const {
@@ -92,14 +102,14 @@ std::size_t Recordset::fieldIndex(std::u16string_view name) const {
 const Variant& Recordset::Fields(std::u16string_view name) const {
   const std::size_t i = fieldIndex(name);
   requireRow();
-  return cells_[pos_ * columns_.size() + i];
+  return cell(pos_ * columns_.size() + i);
 }
 
 const Variant& Recordset::Fields(std::size_t index) const {
   requireOpen();
   if (index >= columns_.size()) throw Error::runtime(err::kItemNotFound);
   requireRow();
-  return cells_[pos_ * columns_.size() + index];
+  return cell(pos_ * columns_.size() + index);
 }
 
 }  // namespace vrdppo

@@ -12,18 +12,6 @@ namespace vrdppo {
 
 namespace {
 
-template <class T>
-T load(const std::byte* record, std::uint16_t offset) {
-  T v;
-  std::memcpy(&v, record + offset, sizeof v);
-  return v;
-}
-
-template <class T>
-void save(std::byte* record, std::uint16_t offset, const T& v) {
-  std::memcpy(record + offset, &v, sizeof v);
-}
-
 std::u16string_view stringField(const Column& c, const std::byte* record) {
   return {reinterpret_cast<const char16_t*>(record + c.offset), c.length};
 }
@@ -79,17 +67,17 @@ std::u16string renderColumn(const Column& c, const std::byte* record) {
       return u"NULL";
     case Render::L:
     case Render::L0: {
-      const auto v = load<Long>(record, c.offset);
+      const auto v = readField<Long>(record, c.offset);
       return c.render == Render::L0 && v == 0 ? u"Null" : longText(v);
     }
     case Render::D:
     case Render::D0: {
-      const auto v = load<Double>(record, c.offset);
+      const auto v = readField<Double>(record, c.offset);
       return c.render == Render::D0 && v == 0 ? u"Null" : doubleText(v);
     }
     case Render::C:
     case Render::C0: {
-      const auto v = load<Currency>(record, c.offset);
+      const auto v = readField<Currency>(record, c.offset);
       return c.render == Render::C0 && v.raw == 0 ? u"Null" : currencyText(v);
     }
     case Render::S:
@@ -108,7 +96,7 @@ std::u16string renderColumn(const Column& c, const std::byte* record) {
     }
     case Render::T:
     case Render::T0: {
-      const auto v = load<Date>(record, c.offset);
+      const auto v = readField<Date>(record, c.offset);
       if (c.render == Render::T0 && equalsNoCase(formatDate(v, u"yyyy/MM/dd"), u"1900/01/01")) {
         return u"Null";
       }
@@ -146,16 +134,16 @@ void initialiseRecord(const RecordLayout& layout, std::byte* record) {
   for (const Column& c : layout.columns) {
     switch (c.type) {
       case FieldType::Long:
-        save<Long>(record, c.offset, 0);
+        writeField<Long>(record, c.offset, 0);
         break;
       case FieldType::Double:
-        save<Double>(record, c.offset, 0.0);
+        writeField<Double>(record, c.offset, 0.0);
         break;
       case FieldType::Currency:
-        save<Currency>(record, c.offset, Currency{});
+        writeField<Currency>(record, c.offset, Currency{});
         break;
       case FieldType::Date:
-        save<Date>(record, c.offset, Date{kDefaultDate});
+        writeField<Date>(record, c.offset, Date{kDefaultDate});
         break;
       case FieldType::String: {
         auto* s = reinterpret_cast<char16_t*>(record + c.offset);
@@ -195,16 +183,16 @@ void storeField(const Column& c, std::byte* record, const Variant& value) {
   const bool null = value.isNull();
   switch (c.type) {
     case FieldType::Long:
-      save<Long>(record, c.offset, null ? 0 : toLong(value));
+      writeField<Long>(record, c.offset, null ? 0 : toLong(value));
       break;
     case FieldType::Double:
-      save<Double>(record, c.offset, null ? 0.0 : toDouble(value));
+      writeField<Double>(record, c.offset, null ? 0.0 : toDouble(value));
       break;
     case FieldType::Currency:
-      save<Currency>(record, c.offset, null ? Currency{} : toCurrency(value));
+      writeField<Currency>(record, c.offset, null ? Currency{} : toCurrency(value));
       break;
     case FieldType::Date:
-      save<Date>(record, c.offset, null ? Date{kDefaultDate} : toDate(value));
+      writeField<Date>(record, c.offset, null ? Date{kDefaultDate} : toDate(value));
       break;
     case FieldType::String: {
       auto* s = reinterpret_cast<char16_t*>(record + c.offset);
@@ -229,13 +217,13 @@ void storeField(const Column& c, std::byte* record, const Variant& value) {
 Variant fieldValue(const Column& c, const std::byte* record) {
   switch (c.type) {
     case FieldType::Long:
-      return load<Long>(record, c.offset);
+      return readField<Long>(record, c.offset);
     case FieldType::Double:
-      return load<Double>(record, c.offset);
+      return readField<Double>(record, c.offset);
     case FieldType::Currency:
-      return load<Currency>(record, c.offset);
+      return readField<Currency>(record, c.offset);
     case FieldType::Date:
-      return load<Date>(record, c.offset);
+      return readField<Date>(record, c.offset);
     case FieldType::String:
       return std::u16string(stringField(c, record));
   }

@@ -1,20 +1,14 @@
 #include <gtest/gtest.h>
 
+#include "support/error_number.hpp"
+
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/error.hpp"
 
 using namespace vrdppo;
+using vrdppo::testing::numberOf;
 
 namespace {
-
-int32_t numberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 std::u16string rec(char16_t c, std::size_t n) {
   return std::u16string(n, c);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/error_number.hpp"
+
 #include <cmath>
 #include <limits>
 
@@ -9,19 +11,7 @@
 #include "vrdppo/variant.hpp"
 
 using namespace vrdppo;
-
-namespace {
-
-int32_t numberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
-
-}  // namespace
+using vrdppo::testing::numberOf;
 
 TEST(NumberText, DoublesAtFifteenSignificantDigits) {
   const double pi = 3.14159265358979323846;

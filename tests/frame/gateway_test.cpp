@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include "support/error_number.hpp"
+
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
 
 using namespace vrdppo;
+using vrdppo::testing::numberOf;
 using vrdppo::testing::providerError;
 using vrdppo::testing::ScriptedProvider;
 
@@ -24,15 +27,6 @@ class Gateway : public ::testing::Test {
   }
   ScriptedProvider db;
 };
-
-int32_t numberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 }  // namespace
 

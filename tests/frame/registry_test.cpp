@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/error_number.hpp"
+
 #include <set>
 
 #include "support/scripted_provider.hpp"
@@ -9,20 +11,8 @@
 #include "vrdppo/registry.hpp"
 
 using namespace vrdppo;
+using vrdppo::testing::numberOf;
 using vrdppo::testing::ScriptedProvider;
-
-namespace {
-
-int32_t numberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
-
-}  // namespace
 
 TEST(Registry, EveryClassIsCreatableByNameWithDistinctStableIdentifiers) {
   std::set<std::string> ids;
