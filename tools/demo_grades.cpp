@@ -40,7 +40,7 @@ void demoGrades(DemoContext& d) {
   }
   d.statements();
 
-  d.heading("A production grade and its specification (second generation: qsp_, SELECT list)");
+  d.heading("A production grade and its quality limits (second generation: qsp_, SELECT list)");
   cProductionGradePersist production;
   production.Commit(newRecord<cProductionGradePersist>([&](ProductionGradeRecord& r) {
                       put(r.ProductionGradeCode, u"STRIP-1");
