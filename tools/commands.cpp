@@ -195,8 +195,10 @@ int showLayout(const Options& o, std::ostream& out) {
         << renderCodeText(c) << "\n";
   }
   const TrailingField& t = l.trailing;
-  out << t.offset << "\t" << 2 * t.length << "\tString*" << t.length << "\t"
-      << (t.literal.empty() ? std::string() : "\"" + toUtf8(t.literal) + "\"") << "\t\n";
+  if (t.length > 0) {  // a record may end without one
+    out << t.offset << "\t" << 2 * t.length << "\tString*" << t.length << "\t"
+        << (t.literal.empty() ? std::string() : "\"" + toUtf8(t.literal) + "\"") << "\t\n";
+  }
   return 0;
 }
 
@@ -223,7 +225,9 @@ int decode(const Options& o, std::istream& in, std::ostream& out) {
       line += (line.size() > 1 ? "," : "") + ("\"" + toUtf8(c.read) + "\":") +
               jsonValue(c, record.data());
     }
-    line += ",\"(trailing)\":\"" + trailingText(l, record.data()) + "\"";
+    if (l.trailing.length > 0) {
+      line += ",\"(trailing)\":\"" + trailingText(l, record.data()) + "\"";
+    }
     if (!unused.empty()) line += ",\"(unused)\":\"" + unused + "\"";
     out << line << "}\n";
     return 0;
@@ -231,8 +235,10 @@ int decode(const Options& o, std::istream& in, std::ostream& out) {
   for (const Column& c : l.columns) {
     out << toUtf8(c.read) << "\t" << typeText(c) << "\t" << fieldText(c, record.data()) << "\n";
   }
-  out << "(trailing)\tString*" << l.trailing.length << "\t" << trailingText(l, record.data())
-      << "\n";
+  if (l.trailing.length > 0) {
+    out << "(trailing)\tString*" << l.trailing.length << "\t" << trailingText(l, record.data())
+        << "\n";
+  }
   if (!unused.empty()) out << "(unused)\tbytes\t" << unused << "\n";
   return 0;
 }

@@ -52,21 +52,6 @@ struct DemoContext {
   int step_ = 0;
 };
 
-template <std::size_t N>
-void put(FixedString<N>& f, std::u16string_view s) {
-  std::fill(std::begin(f.c), std::end(f.c), u' ');
-  std::copy_n(s.data(), std::min(N, s.size()), f.c);
-}
-
-// The state of a new record, as the class's initialiser leaves it and `set` changes it.
-template <class Class, class F>
-std::u16string newRecord(F set) {
-  Class o;
-  initialiseRecord(o.layout(), o.recordBytes());
-  set(o.record());
-  return o.GetState();
-}
-
 // The sections, in the order of the day.
 void demoGrades(DemoContext& d);
 void demoProduction(DemoContext& d);

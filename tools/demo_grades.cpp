@@ -28,7 +28,7 @@ void demoGrades(DemoContext& d) {
   cGreenGradePersist green;
   for (const auto& [code, company] :
        {std::pair{u"L1O", d.company}, {u"X2F", d.company}, {u"B\"4", d.otherCompany}}) {
-    green.Commit(newRecord<cGreenGradePersist>([&](GreenGradeRecord& r) {
+    green.Commit(newState<cGreenGradePersist>([&](GreenGradeRecord& r) {
                    put(r.GradeCode, code);
                    r.CompanyId = company;
                    put(r.ScrapGrade, u"N");
@@ -42,7 +42,7 @@ void demoGrades(DemoContext& d) {
 
   d.heading("A production grade and its quality limits (second generation: qsp_, SELECT list)");
   cProductionGradePersist production;
-  production.Commit(newRecord<cProductionGradePersist>([&](ProductionGradeRecord& r) {
+  production.Commit(newState<cProductionGradePersist>([&](ProductionGradeRecord& r) {
                       put(r.ProductionGradeCode, u"STRIP-1");
                       r.GradeId = d.grade;
                       put(r.Active, u"Y");
@@ -51,7 +51,7 @@ void demoGrades(DemoContext& d) {
                     d.connect);
   d.productionGrade = production.record().ProductionGradeId;
   cProductionGradeSpecPersist spec;
-  spec.Commit(newRecord<cProductionGradeSpecPersist>([&](ProductionGradeSpecRecord& r) {
+  spec.Commit(newState<cProductionGradeSpecPersist>([&](ProductionGradeSpecRecord& r) {
                 r.ProductionGradeId = d.productionGrade;
                 r.StripMoisture = 12.5;
                 r.StemMoisture = 1.0 / 30;

@@ -22,6 +22,7 @@ inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kCommandError = static_cast<std::int32_t>(0x80040E14u);
 inline constexpr std::int32_t kMissingTable = static_cast<std::int32_t>(0x80040E37u);
 inline constexpr std::int32_t kProviderFailure = static_cast<std::int32_t>(0x80004005u);
+inline constexpr std::int32_t kNoCommandText = static_cast<std::int32_t>(0x80040E0Cu);
 // Late-bound dispatch: member or class unknown, wrong argument count.
 inline constexpr std::int32_t kMemberNotFound = 438;
 inline constexpr std::int32_t kCannotCreate = 429;

@@ -10,6 +10,7 @@
 
 #include "vrdppo/record.hpp"
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/render.hpp"
 
 namespace vrdppo {
 
@@ -171,5 +172,15 @@ template <class Record>
 using TablePersist = PersistWith<Record, TableObject, TableConfig>;
 template <class Record>
 using ViewPersist = PersistWith<Record, ViewObject, ViewConfig>;
+
+// The state of a new record of the class, as its initialiser leaves it and `set` changes it:
+// how a client builds a record to insert (key 0) without a former Load.
+template <class Class, class F>
+std::u16string newState(F set) {
+  Class o;
+  initialiseRecord(o.layout(), o.recordBytes());
+  set(o.record());
+  return o.GetState();
+}
 
 }  // namespace vrdppo

@@ -23,6 +23,22 @@ struct FixedString {
   std::u16string_view view() const noexcept { return {c, N}; }
 };
 
+// A String*N field set from text: cut to N characters, padded with blanks.
+template <std::size_t N>
+void put(FixedString<N>& field, std::u16string_view s) noexcept {
+  const std::size_t n = s.size() < N ? s.size() : N;
+  for (std::size_t i = 0; i < N; ++i) field.c[i] = i < n ? s[i] : u' ';
+}
+
+// A String*N field's text without the blanks at either end.
+template <std::size_t N>
+std::u16string text(const FixedString<N>& field) {
+  std::u16string_view v = field.view();
+  while (!v.empty() && v.front() == u' ') v.remove_prefix(1);
+  while (!v.empty() && v.back() == u' ') v.remove_suffix(1);
+  return std::u16string(v);
+}
+
 enum class FieldType : std::uint8_t { Long, Double, Currency, Date, String };
 
 enum class Render : std::uint8_t { None, L, L0, D, D0, C, C0, S, S0, T, T0 };

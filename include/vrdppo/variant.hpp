@@ -30,6 +30,12 @@ struct Null {
   friend bool operator==(Null, Null) = default;
 };
 
+// An optional argument that the caller left out (the platform's "is missing"): every coercion
+// refuses it with a type mismatch.
+struct Missing {
+  friend bool operator==(Missing, Missing) = default;
+};
+
 enum class VarType : std::uint8_t {
   Empty,
   Null,
@@ -40,7 +46,8 @@ enum class VarType : std::uint8_t {
   Date,
   String,
   LongLong,
-  Decimal
+  Decimal,
+  Missing
 };
 
 const char* varTypeName(VarType t) noexcept;
@@ -56,15 +63,18 @@ class Variant {
   Variant(Currency c) : v_(c) {}
   Variant(Date d) : v_(d) {}
   Variant(Decimal d) : v_(std::move(d)) {}
+  Variant(Missing) : v_(Missing{}) {}
   Variant(std::u16string s) : v_(std::move(s)) {}
   Variant(std::u16string_view s) : v_(std::u16string(s)) {}
   Variant(const char16_t* s) : v_(std::u16string(s)) {}
 
   static Variant null() { return Variant(Null{}); }
+  static Variant missing() { return Variant(Missing{}); }
 
   VarType type() const noexcept { return static_cast<VarType>(v_.index()); }
   bool isEmpty() const noexcept { return type() == VarType::Empty; }
   bool isNull() const noexcept { return type() == VarType::Null; }
+  bool isMissing() const noexcept { return type() == VarType::Missing; }
 
   // Direct access; the caller has checked the type.
   bool boolean() const { return std::get<bool>(v_); }
@@ -80,7 +90,7 @@ class Variant {
 
  private:
   std::variant<std::monostate, Null, bool, std::int32_t, double, Currency, Date, std::u16string,
-               std::int64_t, Decimal>
+               std::int64_t, Decimal, Missing>
       v_;
 };
 

@@ -1,9 +1,18 @@
 #include "frame/class_list.hpp"
+#include "vrdppo/cages/cages.hpp"
+#include "vrdppo/cages/movements.hpp"
 
 namespace vrdppo::cages {
 
 std::vector<const ClassInfo*> classes() {
-  return {};
+  return {&cCagePersist::info(),
+          &cCageStatusPersist::info(),
+          &cCageContentPersist::info(),
+          &cvCageContentPersist::info(),
+          &cCageMovementPersist::info(),
+          &cCageLogPersist::info(),
+          &cCageMoveCommentPersist::info(),
+          &cvCageLogPersist::info()};
 }
 
 }  // namespace vrdppo::cages

@@ -5,7 +5,9 @@
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/operations.hpp"
 #include "vrdppo/persist.hpp"
+#include "vrdppo/provider.hpp"
 #include "vrdppo/render.hpp"
 #include "vrdppo/text.hpp"
 
@@ -39,12 +41,6 @@ std::vector<std::u16string_view> writeNames(const TableConfig& config) {
   return names;
 }
 
-// Runs a statement that may or may not give rows, closing what it gives.
-void runStatement(const std::u16string& sql) {
-  const auto rs = dbHelp::OpenRecordset(sql);
-  if (rs->State() == adStateOpen) rs->Close();
-}
-
 std::u16string renderByName(const RecordLayout& layout, const std::byte* record,
                             std::u16string_view name, bool keyHasBranch) {
   const auto& cols = layout.columns;
@@ -55,6 +51,23 @@ std::u16string renderByName(const RecordLayout& layout, const std::byte* record,
 }
 
 }  // namespace
+
+void runStatement(const std::u16string& sql) {
+  const auto rs = dbHelp::OpenRecordset(sql);
+  if (rs->State() == adStateOpen) rs->Close();
+}
+
+bool postOnOwnConnection(const std::u16string& sConnect, const std::u16string& sql) {
+  try {
+    Connection connection;
+    connection.Open(sConnect, {}, {}, adOptionUnspecified);
+    connection.Execute(sql, adOptionUnspecified);
+    connection.Close();
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
 
 // --- record support shared by tables and views ---
 

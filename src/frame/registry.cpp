@@ -305,6 +305,9 @@ Variant call(PersistObject& object, const MemberInfo* m, std::span<const Variant
     const ArgInfo& a = m->args[i];
     if (i < args.size()) {
       coerced.push_back(coerce(a, args[i]));
+    } else if (a.optional && a.type == ValueType::Variant && a.defaultValue.isEmpty()) {
+      // A left-out Variant without a default reaches the member as missing, which it can test.
+      coerced.push_back(Variant::missing());
     } else if (a.optional) {
       coerced.push_back(a.defaultValue);
     } else {

@@ -34,6 +34,8 @@ const char* varTypeName(VarType t) noexcept {
       return "LongLong";
     case VarType::Decimal:
       return "Decimal";
+    case VarType::Missing:
+      return "Missing";
   }
   return "?";
 }
@@ -116,6 +118,8 @@ std::int32_t toLong(const Variant& v) {
       return static_cast<std::int32_t>(v.longLong());
     case VarType::Decimal:
       return longFromDecimal(decimalOf(v.decimal()));
+    case VarType::Missing:
+      break;
   }
   throw Error::runtime(err::kTypeMismatch);
 }
@@ -145,6 +149,8 @@ double toDouble(const Variant& v) {
       return static_cast<double>(v.longLong());
     case VarType::Decimal:
       return decimalOf(v.decimal()).toDouble();
+    case VarType::Missing:
+      break;
   }
   throw Error::runtime(err::kTypeMismatch);
 }
@@ -174,6 +180,8 @@ Currency toCurrency(const Variant& v) {
       return currencyFromDecimal(DecimalNumber::fromInteger(v.longLong()));
     case VarType::Decimal:
       return currencyFromDecimal(decimalOf(v.decimal()));
+    case VarType::Missing:
+      break;
   }
   throw Error::runtime(err::kTypeMismatch);
 }
@@ -230,6 +238,8 @@ std::u16string toString(const Variant& v) {
       }
       return s;
     }
+    case VarType::Missing:
+      break;
   }
   throw Error::runtime(err::kTypeMismatch);
 }

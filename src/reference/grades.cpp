@@ -2,7 +2,8 @@
 
 #include <cstddef>
 
-#include "production/run_statement.hpp"
+#include "vrdppo/dbhelp.hpp"
+#include "vrdppo/operations.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/render.hpp"
 
@@ -150,19 +151,19 @@ const ClassInfo& cvProductionGradeListPersist::info() {
           o.ClearProcessingResultsTables();
           return Variant();
         }));
-    members.push_back(method<O>("sp_GenerateProcessingResultsReport", {ops::str("sCriteria")},
+    members.push_back(method<O>("sp_GenerateProcessingResultsReport", {stringArg("sCriteria")},
                                 ValueType::None, [](O& o, std::span<const Variant> a) {
                                   o.sp_GenerateProcessingResultsReport(a[0].str());
                                   return Variant();
                                 }));
-    members.push_back(method<O>(
-        "ProcessingResults",
-        {ops::lng("lSeason"), ops::str("sCompanies"), ops::date("dtFromDate"),
-         ops::date("dtToDate"), ops::str("sConnect")},
-        ValueType::None, [](O& o, std::span<const Variant> a) {
-          o.ProcessingResults(a[0].lng(), a[1].str(), a[2].date(), a[3].date(), a[4].str());
-          return Variant();
-        }));
+    members.push_back(method<O>("ProcessingResults",
+                                {longArg("lSeason"), stringArg("sCompanies"), dateArg("dtFromDate"),
+                                 dateArg("dtToDate"), stringArg("sConnect")},
+                                ValueType::None, [](O& o, std::span<const Variant> a) {
+                                  o.ProcessingResults(a[0].lng(), a[1].str(), a[2].date(),
+                                                      a[3].date(), a[4].str());
+                                  return Variant();
+                                }));
     return viewClass<O>("cvProductionGradeListPersist", kProductionGradeList, std::move(members));
   }();
   return i;

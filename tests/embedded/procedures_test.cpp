@@ -95,7 +95,7 @@ TEST(CallErrors, RejectMalformedCalls) {
 using ProcedureTest = StoreTest;
 
 TEST_F(ProcedureTest, UnknownProceduresAreTheServersError2812) {
-  for (const auto* text : {u"qsp_LabSyncAdvice", u"EXEC qsp_SendAlert 7,120",
+  for (const auto* text : {u"qsp_NoSuchProcedure", u"EXEC qsp_NoSuchAlert 7,120",
                            u"exec qsp_X @p_Season= 2019", u"[qsp_Y] 'a'"}) {
     const Error e = errorOf([&] { sql(text); });
     EXPECT_EQ(e.number(), err::kCommandError);

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "endtoend/store_fixture.hpp"
+#include "support/error_number.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/production/stems.hpp"
@@ -237,6 +238,8 @@ TEST_F(Road, AKilledProcessLosesNoCommittedRow) {
 }
 
 TEST_F(Road, ErrorsOfTheStoreReachTheCaller) {
+  dbHelp::ConnectString = connect;
+  EXPECT_EQ(numberOf([] { dbHelp::OpenRecordset(u"  "); }), err::kNoCommandText);
   cStemsPersist stems;
   try {
     stems.Load(u"NoSuchColumn = 1", connect);

@@ -58,26 +58,6 @@ class StoreTest : public ::testing::Test {
   std::u16string connect;
 };
 
-template <std::size_t N>
-void put(FixedString<N>& f, std::u16string_view s) {
-  std::fill(std::begin(f.c), std::end(f.c), u' ');
-  std::copy_n(s.data(), std::min(N, s.size()), f.c);
-}
-
-template <std::size_t N>
-std::u16string text(const FixedString<N>& f) {
-  return std::u16string(trimBlanks(f.view()));
-}
-
-// The state of a new record of the class, as its initialiser leaves it and `set` changes it.
-template <class Class, class F>
-std::u16string newState(F set) {
-  Class o;
-  initialiseRecord(o.layout(), o.recordBytes());
-  set(o.record());
-  return o.GetState();
-}
-
 // The records of a Buffer state, each read into an object of the class.
 template <class Class>
 std::vector<typename std::remove_reference_t<decltype(std::declval<Class&>().record())>> rowsOf(

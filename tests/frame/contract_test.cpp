@@ -19,22 +19,8 @@ namespace {
 
 const std::u16string kConnect = u"DSN=plant";
 
-template <class Class, class F>
-std::u16string stateOf(F set) {
-  Class o;
-  initialiseRecord(o.layout(), o.recordBytes());
-  set(o.record());
-  return o.GetState();
-}
-
-template <std::size_t N>
-void put(FixedString<N>& f, std::u16string_view s) {
-  std::fill(std::begin(f.c), std::end(f.c), u' ');
-  std::copy_n(s.data(), std::min(N, s.size()), f.c);
-}
-
 std::u16string stem(Long key) {
-  return stateOf<cStemsPersist>([key](StemsRecord& r) {
+  return newState<cStemsPersist>([key](StemsRecord& r) {
     r.StemsId = key;
     r.TotalNetWeight = 125.5;
     r.ContainerStart = 0;
@@ -160,7 +146,7 @@ TEST_F(Contract, InsertQuotesPerGeneration) {
   db.answerRows(u"InsertStatement", {u"Identity"}, {{int32_t{5}}});
   // Second generation: two blanks, qsp_, every " doubled.
   cProductionGradePersist pg;
-  pg.Commit(stateOf<cProductionGradePersist>([](ProductionGradeRecord& r) {
+  pg.Commit(newState<cProductionGradePersist>([](ProductionGradeRecord& r) {
               put(r.ProductionGradeCode, u"A\"B'C");
               put(r.Active, u"Y");
               r.ReportingCompanyId = 3;
@@ -173,7 +159,7 @@ TEST_F(Contract, InsertQuotesPerGeneration) {
             u"'')\"");
   // First generation, green grades: doubled too.
   cGreenGradePersist gg;
-  gg.Commit(stateOf<cGreenGradePersist>([](GreenGradeRecord& r) { put(r.GradeCode, u"6\"X"); }),
+  gg.Commit(newState<cGreenGradePersist>([](GreenGradeRecord& r) { put(r.GradeCode, u"6\"X"); }),
             kConnect);
   EXPECT_EQ(db.statements().back(),
             u"EXEC sp_InsertStatement @p_Stmt = \"INSERT INTO GREENGRADE (GradeCode, DeletedFlag, "
@@ -186,7 +172,7 @@ TEST_F(Contract, InsertQuotesPerGeneration) {
 
 TEST_F(Contract, DeleteStylesAndCriteriaDeleteForms) {
   const auto pgState =
-      stateOf<cProductionGradePersist>([](ProductionGradeRecord& r) { r.ProductionGradeId = 4; });
+      newState<cProductionGradePersist>([](ProductionGradeRecord& r) { r.ProductionGradeId = 4; });
   cProductionGradePersist pg;
   EXPECT_TRUE(pg.Delete(pgState, kConnect));
   EXPECT_EQ(db.statements().back(),
@@ -221,7 +207,7 @@ TEST_F(Contract, SetStateCutsAndPadsWithBlanks) {
 }
 
 TEST_F(Contract, RenderingFollowsTheCodes) {
-  const auto spec = stateOf<cProductionGradeSpecPersist>([](ProductionGradeSpecRecord& r) {
+  const auto spec = newState<cProductionGradeSpecPersist>([](ProductionGradeSpecRecord& r) {
     r.ProductionGradeId = 9;
     r.MinOverHalf = 0;
     r.StripMoisture = 1.0 / 30;
@@ -239,7 +225,7 @@ TEST_F(Contract, RenderingFollowsTheCodes) {
   EXPECT_EQ(s.FieldValue(u"NoSuchColumn"), u"NULL");
 
   cProductionGradePersist g;
-  g.SetState(stateOf<cProductionGradePersist>([](ProductionGradeRecord& r) {
+  g.SetState(newState<cProductionGradePersist>([](ProductionGradeRecord& r) {
     put(r.ProductionGradeCode, u" O'Neil");
     r.ProductionGradeCode.c[8] = u'\0';
   }));

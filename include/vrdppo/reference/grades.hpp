@@ -1,4 +1,5 @@
-// Green and production grades, their specifications, and the lists that join them to companies.
+// Green and production grades, the quality limits of production grades, and the lists that join
+// them to companies.
 #pragma once
 
 #include <string>

@@ -27,6 +27,11 @@ class EmbeddedConnection final : public ProviderConnection {
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int) override {
     if (!session_) throw Error::runtime(err::kObjectClosed);
+    // A provider refuses an empty command rather than answer it with nothing.
+    if (trimBlanks(sql).empty()) {
+      throw storeError(err::kNoCommandText, "Command text was not set for the command object.",
+                       "HY000", 0);
+    }
     try {
       return session_->execute(sql);
     } catch (const Error&) {

@@ -45,6 +45,7 @@ void bind(sqlite3* db, sqlite3_stmt* st, int index, const Variant& v) {
   switch (v.type()) {
     case VarType::Empty:
     case VarType::Null:
+    case VarType::Missing:
       rc = sqlite3_bind_null(st, index);
       break;
     case VarType::Boolean:

@@ -1,0 +1,372 @@
+// The cage classes on a real embedded store: round trips of every table, the views, a cage's
+// life and a movement's life.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "endtoend/store_fixture.hpp"
+#include "vrdppo/cages/cages.hpp"
+#include "vrdppo/cages/movements.hpp"
+#include "vrdppo/reference/grades.hpp"
+
+using namespace vrdppo;
+using namespace vrdppo::testing;
+
+namespace {
+
+using CagesStore = StoreTest;
+
+struct RoundTrip {
+  const char* name;
+  std::function<std::unique_ptr<TableObject>()> make;
+  std::function<std::u16string(Long key, int version)> state;
+  std::u16string key;
+};
+
+std::vector<RoundTrip> roundTrips() {
+  return {
+      {"cage", [] { return std::make_unique<cCagePersist>(); },
+       [](Long key, int v) {
+         return newState<cCagePersist>([&](CageRecord& r) {
+           r.CageId = key;
+           put(r.CageCode, u"O'Neil");
+           r.TareWeight = 85.5 * v;
+           put(r.DeletedFlag, u"N");
+           r.OperatorId = v;
+           r.GreenGradeId = 5;
+           r.GrossWeight = 600;
+           r.NetWeight = 514.5;
+           r.StatusId = 2 * v;
+           r.StatusTS = makeDate(2019, 3, 7, 14, 5 + v);
+           r.PrevOperatorId = 3;
+           r.PrevGreenGradeId = 4 * v;
+           r.PrevGrossWeight = 0.5;
+           r.PrevNetWeight = 0.25;
+           r.PrevStatusId = v;
+           r.PrevStatusTS = v ? makeDate(2019, 3, 6, 23, 59) : makeDate(1900, 1, 1);
+         });
+       },
+       u"CageId"},
+      {"status", [] { return std::make_unique<cCageStatusPersist>(); },
+       [](Long key, int v) {
+         return newState<cCageStatusPersist>([&](CageStatusRecord& r) {
+           r.CageStatusId = key;
+           put(r.CageStatus, u"FULL");
+           put(r.Description, v ? u"Full, waiting to be fed" : u"");
+           r.Sequence = v;
+         });
+       },
+       u"CageStatusId"},
+      {"content", [] { return std::make_unique<cCageContentPersist>(); },
+       [](Long key, int v) {
+         return newState<cCageContentPersist>([&](CageContentRecord& r) {
+           r.CageContentId = key;
+           r.CageId = v;
+           r.GreenGradeId = 7;
+           r.NetWeight = 100.5 * v;
+         });
+       },
+       u"CageContentId"},
+      {"movement", [] { return std::make_unique<cCageMovementPersist>(); },
+       [](Long key, int v) {
+         return newState<cCageMovementPersist>([&](CageMovementRecord& r) {
+           r.CageMovementID = key;
+           put(r.MovementType, v ? u"TRANSFER" : u"");
+           r.MovementTs = v ? makeDate(2019, 3, 7, 14, 5, 9) : makeDate(1900, 1, 1);
+           r.OperatorId = v;
+           r.StationId = 4;
+           r.ShiftNumber = 2 * v;
+           r.ProductionRunId = 77;
+           put(r.Executed, v ? u"N" : u"");
+         });
+       },
+       u"CageMovementID"},
+      {"log", [] { return std::make_unique<cCageLogPersist>(); },
+       [](Long key, int v) {
+         return newState<cCageLogPersist>([&](CageLogRecord& r) {
+           r.CageLogId = key;
+           r.CageId = 3;
+           r.CageMovementID = 9 * v;
+           r.Sequence = v;
+           r.InGreenGradeId = 5;
+           r.InWeight = 0;
+           r.FromStatusId = 1;
+           r.OutGreenGradeId = 6 * v;
+           r.OutWeight = 20.5 * v;
+           r.ToStatusId = 2;
+           r.CageGross = 110;
+           r.CageTare = 10 * v;
+           r.CageNet = 100;
+           put(r.CardPrinted, v ? u"Y" : u"");
+         });
+       },
+       u"CageLogId"},
+      {"comment", [] { return std::make_unique<cCageMoveCommentPersist>(); },
+       [](Long key, int v) {
+         return newState<cCageMoveCommentPersist>([&](CageMoveCommentRecord& r) {
+           r.CageMoveCommentID = key;
+           r.CageMovementID = 9;
+           put(r.Comment, v ? u"Say \"hi\" at 6 o'clock" : u"");
+         });
+       },
+       u"CageMoveCommentID"},
+  };
+}
+
+Long greenGrade(const std::u16string& connect, std::u16string_view code) {
+  cGreenGradePersist g;
+  g.Commit(newState<cGreenGradePersist>([&](GreenGradeRecord& r) { put(r.GradeCode, code); }),
+           connect);
+  return g.record().GreenGradeId;
+}
+
+Long cageStatus(const std::u16string& connect, std::u16string_view code, Long sequence) {
+  cCageStatusPersist s;
+  s.Commit(newState<cCageStatusPersist>([&](CageStatusRecord& r) {
+             put(r.CageStatus, code);
+             r.Sequence = sequence;
+           }),
+           connect);
+  return s.record().CageStatusId;
+}
+
+}  // namespace
+
+TEST_F(CagesStore, EveryTableCommitsLoadsUpdatesAndDeletes) {
+  for (const auto& c : roundTrips()) {
+    SCOPED_TRACE(c.name);
+    auto o = c.make();
+    ASSERT_TRUE(o->Commit(c.state(0, 0), connect));
+    const Long key = o->key();
+    ASSERT_GT(key, 0);
+    const std::u16string where = c.key + u" = " + longText(key);
+    Buffer b;
+    b.SetState(o->Load(where, connect));
+    ASSERT_EQ(b.Count(), 1);
+    EXPECT_EQ(b.Item(1), c.state(key, 0));
+
+    ASSERT_TRUE(o->Commit(c.state(key, 1), connect));
+    b.SetState(o->Load(where, connect));
+    ASSERT_EQ(b.Count(), 1);
+    EXPECT_EQ(b.Item(1), c.state(key, 1));
+
+    ASSERT_TRUE(o->Delete(c.state(key, 1), connect));
+    EXPECT_EQ(o->Load(where, connect).size(), 9u);
+  }
+}
+
+TEST_F(CagesStore, ACagesLife) {
+  const Long empty = cageStatus(connect, u"EMPTY", 1);
+  const Long full = cageStatus(connect, u"FULL", 2);
+  const Long green = greenGrade(connect, u"L1O");
+
+  // Registered: code, tare, flag and a status; no load.
+  cCagePersist cages;
+  const auto registered = [&](Long key) {
+    return newState<cCagePersist>([&](CageRecord& r) {
+      r.CageId = key;
+      put(r.CageCode, u"C-17");
+      r.TareWeight = 85.5;
+      put(r.DeletedFlag, u"N");
+      r.StatusId = empty;
+      r.StatusTS = makeDate(2019, 3, 7, 8, 0);
+    });
+  };
+  ASSERT_TRUE(cages.Commit(registered(0), connect));
+  const Long id = cages.record().CageId;
+  EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM CAGE WHERE OperatorId IS NULL AND GreenGradeId IS NULL "
+                   u"AND GrossWeight IS NULL AND NetWeight IS NULL"),
+            1);
+
+  // Filled: the values that were current go to the Prev columns, written by the caller.
+  const auto filled = newState<cCagePersist>([&](CageRecord& r) {
+    r.CageId = id;
+    put(r.CageCode, u"C-17");
+    r.TareWeight = 85.5;
+    put(r.DeletedFlag, u"N");
+    r.OperatorId = 3;
+    r.GreenGradeId = green;
+    r.GrossWeight = 600;
+    r.NetWeight = 514.5;
+    r.StatusId = full;
+    r.StatusTS = makeDate(2019, 3, 7, 9, 30);
+    r.PrevStatusId = empty;
+    r.PrevStatusTS = makeDate(2019, 3, 7, 8, 0);
+  });
+  ASSERT_TRUE(cages.Commit(filled, connect));
+  cCageContentPersist contents;
+  ASSERT_TRUE(contents.Commit(newState<cCageContentPersist>([&](CageContentRecord& r) {
+                                r.CageId = id;
+                                r.GreenGradeId = green;
+                                r.NetWeight = 514.5;
+                              }),
+                              connect));
+  const auto row = rowsOf<cCagePersist>(cages.Load(u"CageId = " + longText(id), connect)).at(0);
+  EXPECT_EQ(row.StatusId, full);
+  EXPECT_EQ(row.PrevStatusId, empty);
+  EXPECT_EQ(double{row.PrevStatusTS.days}, makeDate(2019, 3, 7, 8, 0).days);
+
+  cvCageContentPersist view;
+  const auto held = rowsOf<cvCageContentPersist>(view.Load(u"CageId = " + longText(id), connect));
+  ASSERT_EQ(held.size(), 1u);
+  EXPECT_EQ(held[0].CageContentId, contents.record().CageContentId);
+  EXPECT_EQ(text(held[0].CageCode), u"C-17");
+  EXPECT_EQ(held[0].GreenGradeId, green);
+  EXPECT_EQ(text(held[0].GradeCode), u"L1O");
+  EXPECT_EQ(double{held[0].NetWeight}, 514.5);
+
+  // An alert about it reaches the server; a bad connection string loses one in silence.
+  cages.SendAlert(connect, 7, id);
+  cages.SendAlert(u"Provider=vrdppo.Embedded;Data Source=/no/such/dir/x.db", 8, id);
+  cages.SendAlert(u"", 9, id);
+  EXPECT_EQ(
+      scalar(u"SELECT COUNT(*) FROM CAGEALERT WHERE AlertId = 7 AND CageId = " + longText(id)), 1);
+  EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM CAGEALERT"), 1);
+
+  // Retired: the flag is a column like any other; Load still finds the cage, Delete removes it.
+  auto retired = filled;
+  {
+    cCagePersist c;
+    c.SetState(filled);
+    c.record().DeletedFlag.c[0] = u'Y';
+    retired = c.GetState();
+  }
+  ASSERT_TRUE(cages.Commit(retired, connect));
+  EXPECT_EQ(rowsOf<cCagePersist>(cages.Load(u"", connect)).size(), 1u);
+  ASSERT_TRUE(cages.Delete(retired, connect));
+  EXPECT_EQ(cages.Load(u"", connect).size(), 9u);
+}
+
+TEST_F(CagesStore, AMovementsLife) {
+  const Long empty = cageStatus(connect, u"EMPTY", 1);
+  const Long full = cageStatus(connect, u"FULL", 2);
+  const Long a = greenGrade(connect, u"L1O");
+  const Long b = greenGrade(connect, u"X2F");
+  const Long op = insert(u"INSERT INTO OPERATOR (UserName) VALUES ('J. Banda')");
+  const Long station =
+      insert(u"INSERT INTO STATION (StationCode, Description) VALUES ('SCALE-2', 'Scale two')");
+  cCagePersist cages;
+  cages.Commit(newState<cCagePersist>([&](CageRecord& r) {
+                 put(r.CageCode, u"C-17");
+                 r.TareWeight = 85.5;
+                 r.StatusId = empty;
+                 r.GreenGradeId = a;
+                 r.NetWeight = 10;
+               }),
+               connect);
+  const Long cage = cages.record().CageId;
+
+  // The movement first, then its log rows and comment with the key it was given.
+  cCageMovementPersist movements;
+  const auto movement = [&](Long key) {
+    return newState<cCageMovementPersist>([&](CageMovementRecord& r) {
+      r.CageMovementID = key;
+      put(r.MovementType, u"FILL");
+      r.MovementTs = makeDate(2019, 3, 7, 14, 5, 9);
+      r.OperatorId = op;
+      r.StationId = station;
+      r.ShiftNumber = 2;
+      put(r.Executed, u"N");
+    });
+  };
+  ASSERT_TRUE(movements.Commit(movement(0), connect));
+  const Long key = movements.record().CageMovementID;
+  cCageLogPersist log;
+  ASSERT_TRUE(log.Commit(newState<cCageLogPersist>([&](CageLogRecord& r) {
+                           r.CageId = cage;
+                           r.CageMovementID = key;
+                           r.Sequence = 1;
+                           r.InGreenGradeId = a;
+                           r.InWeight = 10;
+                           r.FromStatusId = empty;
+                           r.OutGreenGradeId = b;
+                           r.OutWeight = 514.5;
+                           r.ToStatusId = full;
+                           r.CageGross = 600;
+                           r.CageTare = 85.5;
+                           r.CageNet = 514.5;
+                           put(r.CardPrinted, u"N");
+                         }),
+                         connect));
+  cCageMoveCommentPersist comments;
+  ASSERT_TRUE(comments.Commit(newState<cCageMoveCommentPersist>([&](CageMoveCommentRecord& r) {
+                                r.CageMovementID = key;
+                                put(r.Comment, u"Lot \"7\", O'Neil's");
+                              }),
+                              connect));
+
+  cvCageLogPersist view;
+  auto rows = rowsOf<cvCageLogPersist>(view.Load(u"CageMovementID = " + longText(key), connect));
+  ASSERT_EQ(rows.size(), 1u);
+  const auto& v = rows[0];
+  EXPECT_EQ(v.CageMovementID, key);
+  EXPECT_EQ(text(v.MovementType), u"FILL");
+  EXPECT_EQ(double{v.MovementTs.days}, makeDate(2019, 3, 7, 14, 5, 9).days);
+  EXPECT_EQ(v.OperatorId, op);
+  EXPECT_EQ(v.StationId, station);
+  EXPECT_EQ(v.ShiftNumber, 2);
+  EXPECT_EQ(v.ProductionRunId, 0);
+  EXPECT_EQ(text(v.Executed), u"N");
+  EXPECT_EQ(text(v.UserName), u"J. Banda");
+  EXPECT_EQ(text(v.StationCode), u"SCALE-2");
+  EXPECT_EQ(v.CageLogId, log.record().CageLogId);
+  EXPECT_EQ(v.CageId, cage);
+  EXPECT_EQ(text(v.CageCode), u"C-17");
+  EXPECT_EQ(v.Sequence, 1);
+  EXPECT_EQ(v.InGreenGradeId, a);
+  EXPECT_EQ(double{v.InWeight}, 10.0);
+  EXPECT_EQ(text(v.InGradeCode), u"L1O");
+  EXPECT_EQ(v.FromStatusId, empty);
+  EXPECT_EQ(text(v.FromStatus), u"EMPTY");
+  EXPECT_EQ(v.OutGreenGradeId, b);
+  EXPECT_EQ(double{v.OutWeight}, 514.5);
+  EXPECT_EQ(text(v.OutGradeCode), u"X2F");
+  EXPECT_EQ(v.ToStatusId, full);
+  EXPECT_EQ(text(v.ToStatus), u"FULL");
+  EXPECT_EQ(double{v.CageGross}, 600.0);
+  EXPECT_EQ(double{v.CageTare}, 85.5);
+  EXPECT_EQ(double{v.CageNet}, 514.5);
+
+  const auto comment = rowsOf<cCageMoveCommentPersist>(
+      comments.Load(u"CageMovementID = " + longText(key), connect, 0));
+  ASSERT_EQ(comment.size(), 1u);
+  EXPECT_EQ(text(comment[0].Comment), u"Lot \"7\", O'Neil's");
+
+  // Posted: the server moves the cage and its contents, and marks the movement executed.
+  dbHelp::ConnectString.clear();
+  EXPECT_TRUE(movements.Post(movement(key), connect));
+  EXPECT_TRUE(dbHelp::ConnectString.empty());
+  const auto moved = rowsOf<cCagePersist>(cages.Load(u"CageId = " + longText(cage), connect)).at(0);
+  EXPECT_EQ(moved.StatusId, full);
+  EXPECT_EQ(moved.PrevStatusId, empty);
+  EXPECT_EQ(moved.GreenGradeId, b);
+  EXPECT_EQ(moved.PrevGreenGradeId, a);
+  EXPECT_EQ(double{moved.NetWeight}, 514.5);
+  EXPECT_EQ(double{moved.PrevNetWeight}, 10.0);
+  EXPECT_EQ(moved.OperatorId, op);
+  EXPECT_EQ(double{moved.StatusTS.days}, makeDate(2019, 3, 7, 14, 5, 9).days);
+  const auto held = rowsOf<cCageContentPersist>(
+      cCageContentPersist().Load(u"CageId = " + longText(cage), connect));
+  ASSERT_EQ(held.size(), 1u);
+  EXPECT_EQ(held[0].GreenGradeId, b);
+  rows = rowsOf<cvCageLogPersist>(view.Load(u"CageMovementID = " + longText(key), connect));
+  EXPECT_EQ(text(rows.at(0).Executed), u"Y");
+
+  // Posting it again is the server's concern: it is not executed twice, and Post says True.
+  EXPECT_TRUE(movements.Post(movement(key), connect));
+  EXPECT_EQ(
+      rowsOf<cCagePersist>(cages.Load(u"CageId = " + longText(cage), connect)).at(0).PrevStatusId,
+      empty);
+
+  // Failures come back as False.
+  EXPECT_FALSE(movements.Post(movement(key), u""));
+  EXPECT_FALSE(
+      movements.Post(movement(key), u"Provider=vrdppo.Embedded;Data Source=/no/such/dir/x.db"));
+
+  // Deleting the movement leaves its log and comment; blank criteria empty the comments.
+  ASSERT_TRUE(movements.Delete(movement(key), connect));
+  EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM CAGELOG"), 1);
+  ASSERT_TRUE(comments.CriteriaDelete(u"", connect, u" "));
+  EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM CAGEMOVECOMMENT"), 0);
+}
