@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "support/own_connection.hpp"
 #include "support/scripted_provider.hpp"
+#include "support/statements.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/cages/cages.hpp"
 #include "vrdppo/cages/movements.hpp"
@@ -16,35 +18,12 @@
 using namespace vrdppo;
 using vrdppo::testing::providerError;
 using vrdppo::testing::ScriptedProvider;
+using vrdppo::testing::Statements;
+using vrdppo::testing::statementsFor;
 
 namespace {
 
 const std::u16string kConnect = u"DSN=plant";
-
-struct Statements {
-  std::u16string insert;
-  std::u16string update;
-  std::u16string remove;
-};
-// The first generation's statements for a record given as name-value pairs in list order.
-Statements firstGeneration(std::u16string table, std::u16string key,
-                           std::vector<std::pair<std::u16string, std::u16string>> columns) {
-  std::u16string names, values, sets;
-  for (const auto& [n, v] : columns) {
-    if (!names.empty()) {
-      names += u", ";
-      values += u", ";
-      sets += u", ";
-    }
-    names += n;
-    values += v;
-    sets += n + u" = " + v;
-  }
-  return {u"EXEC sp_InsertStatement @p_Stmt = \"INSERT INTO " + table + u" (" + names +
-              u") VALUES (" + values + u")\"",
-          u"UPDATE " + table + u" SET " + sets + u" WHERE " + key + u" = 12",
-          u"DELETE FROM " + table + u" WHERE " + key + u" = 12"};
-}
 
 struct TableCase {
   const char* name;
@@ -94,39 +73,39 @@ std::u16string movement(Long key) {
 std::vector<TableCase> tableCases() {
   return {
       {"empty cage", [] { return std::make_unique<cCagePersist>(); }, emptyCage,
-       firstGeneration(u"CAGE", u"CAGEID",
-                       {{u"CageCode", u"'O''Neil'"},
-                        {u"TareWeight", u"0"},  // D: a tare of 0 is stored
-                        {u"DeletedFlag", u"''"},
-                        {u"OperatorId", u"Null"},
-                        {u"GreenGradeId", u"Null"},
-                        {u"GrossWeight", u"Null"},
-                        {u"NetWeight", u"Null"},
-                        {u"StatusId", u"0"},  // L, unlike PrevStatusId
-                        {u"StatusTS", u"Null"},
-                        {u"PrevOperatorId", u"Null"},
-                        {u"PrevGreenGradeId", u"Null"},
-                        {u"PrevGrossWeight", u"Null"},
-                        {u"PrevNetWeight", u"Null"},
-                        {u"PrevStatusId", u"Null"},
-                        {u"PrevStatusTS", u"Null"}})},
+       statementsFor(u"CAGE", u"CAGEID", 12,
+                     {{u"CageCode", u"'O''Neil'"},
+                      {u"TareWeight", u"0"},  // D: a tare of 0 is stored
+                      {u"DeletedFlag", u"''"},
+                      {u"OperatorId", u"Null"},
+                      {u"GreenGradeId", u"Null"},
+                      {u"GrossWeight", u"Null"},
+                      {u"NetWeight", u"Null"},
+                      {u"StatusId", u"0"},  // L, unlike PrevStatusId
+                      {u"StatusTS", u"Null"},
+                      {u"PrevOperatorId", u"Null"},
+                      {u"PrevGreenGradeId", u"Null"},
+                      {u"PrevGrossWeight", u"Null"},
+                      {u"PrevNetWeight", u"Null"},
+                      {u"PrevStatusId", u"Null"},
+                      {u"PrevStatusTS", u"Null"}})},
       {"loaded cage", [] { return std::make_unique<cCagePersist>(); }, loadedCage,
-       firstGeneration(u"CAGE", u"CAGEID",
-                       {{u"CageCode", u"'C-17'"},
-                        {u"TareWeight", u"85.5"},
-                        {u"DeletedFlag", u"'N'"},
-                        {u"OperatorId", u"3"},
-                        {u"GreenGradeId", u"5"},
-                        {u"GrossWeight", u"600"},
-                        {u"NetWeight", u"514.5"},
-                        {u"StatusId", u"2"},
-                        {u"StatusTS", u"'2019/03/07 14:05'"},  // to the minute
-                        {u"PrevOperatorId", u"Null"},
-                        {u"PrevGreenGradeId", u"Null"},
-                        {u"PrevGrossWeight", u"Null"},
-                        {u"PrevNetWeight", u"Null"},
-                        {u"PrevStatusId", u"1"},
-                        {u"PrevStatusTS", u"'1899/12/30 00:00'"}})},
+       statementsFor(u"CAGE", u"CAGEID", 12,
+                     {{u"CageCode", u"'C-17'"},
+                      {u"TareWeight", u"85.5"},
+                      {u"DeletedFlag", u"'N'"},
+                      {u"OperatorId", u"3"},
+                      {u"GreenGradeId", u"5"},
+                      {u"GrossWeight", u"600"},
+                      {u"NetWeight", u"514.5"},
+                      {u"StatusId", u"2"},
+                      {u"StatusTS", u"'2019/03/07 14:05'"},  // to the minute
+                      {u"PrevOperatorId", u"Null"},
+                      {u"PrevGreenGradeId", u"Null"},
+                      {u"PrevGrossWeight", u"Null"},
+                      {u"PrevNetWeight", u"Null"},
+                      {u"PrevStatusId", u"1"},
+                      {u"PrevStatusTS", u"'1899/12/30 00:00'"}})},
       {"status", [] { return std::make_unique<cCageStatusPersist>(); },
        [](Long key) {
          return newState<cCageStatusPersist>([key](CageStatusRecord& r) {
@@ -134,25 +113,25 @@ std::vector<TableCase> tableCases() {
            put(r.CageStatus, u"FULL");
          });
        },
-       firstGeneration(
-           u"CAGESTATUS", u"CAGESTATUSID",
+       statementsFor(
+           u"CAGESTATUS", u"CAGESTATUSID", 12,
            {{u"CageStatus", u"'FULL'"}, {u"Description", u"Null"}, {u"Sequence", u"Null"}})},
       {"content", [] { return std::make_unique<cCageContentPersist>(); },
        [](Long key) {
          return newState<cCageContentPersist>(
              [key](CageContentRecord& r) { r.CageContentId = key; });
        },
-       firstGeneration(u"CAGECONTENT", u"CAGECONTENTID",
-                       {{u"CageId", u"0"}, {u"GreenGradeId", u"0"}, {u"NetWeight", u"Null"}})},
+       statementsFor(u"CAGECONTENT", u"CAGECONTENTID", 12,
+                     {{u"CageId", u"0"}, {u"GreenGradeId", u"0"}, {u"NetWeight", u"Null"}})},
       {"movement", [] { return std::make_unique<cCageMovementPersist>(); }, movement,
-       firstGeneration(u"CAGEMOVEMENT", u"CAGEMOVEMENTID",
-                       {{u"MovementType", u"'TRANSFER'"},
-                        {u"MovementTS", u"'2019/03/07 14:05:09'"},
-                        {u"OperatorId", u"3"},
-                        {u"StationId", u"4"},
-                        {u"ShiftNumber", u"2"},
-                        {u"ProductionRunId", u"77"},
-                        {u"Executed", u"'N'"}})},
+       statementsFor(u"CAGEMOVEMENT", u"CAGEMOVEMENTID", 12,
+                     {{u"MovementType", u"'TRANSFER'"},
+                      {u"MovementTS", u"'2019/03/07 14:05:09'"},
+                      {u"OperatorId", u"3"},
+                      {u"StationId", u"4"},
+                      {u"ShiftNumber", u"2"},
+                      {u"ProductionRunId", u"77"},
+                      {u"Executed", u"'N'"}})},
       {"blank movement", [] { return std::make_unique<cCageMovementPersist>(); },
        [](Long key) {
          return newState<cCageMovementPersist>([key](CageMovementRecord& r) {
@@ -160,14 +139,14 @@ std::vector<TableCase> tableCases() {
            r.MovementTs = makeDate(1900, 1, 1, 8, 0, 1);
          });
        },
-       firstGeneration(u"CAGEMOVEMENT", u"CAGEMOVEMENTID",
-                       {{u"MovementType", u"Null"},
-                        {u"MovementTS", u"Null"},
-                        {u"OperatorId", u"Null"},
-                        {u"StationId", u"Null"},
-                        {u"ShiftNumber", u"Null"},
-                        {u"ProductionRunId", u"Null"},
-                        {u"Executed", u"''"}})},
+       statementsFor(u"CAGEMOVEMENT", u"CAGEMOVEMENTID", 12,
+                     {{u"MovementType", u"Null"},
+                      {u"MovementTS", u"Null"},
+                      {u"OperatorId", u"Null"},
+                      {u"StationId", u"Null"},
+                      {u"ShiftNumber", u"Null"},
+                      {u"ProductionRunId", u"Null"},
+                      {u"Executed", u"''"}})},
       {"log", [] { return std::make_unique<cCageLogPersist>(); },
        [](Long key) {
          return newState<cCageLogPersist>([key](CageLogRecord& r) {
@@ -175,20 +154,20 @@ std::vector<TableCase> tableCases() {
            r.CageMovementID = 9;
          });
        },
-       firstGeneration(u"CAGELOG", u"CAGELOGID",
-                       {{u"CageId", u"0"},
-                        {u"CageMovementId", u"9"},
-                        {u"Sequence", u"Null"},
-                        {u"InGreenGradeId", u"Null"},
-                        {u"InWeight", u"0"},
-                        {u"FromStatusId", u"Null"},
-                        {u"OutGreenGradeId", u"Null"},
-                        {u"OutWeight", u"0"},
-                        {u"ToStatusId", u"Null"},
-                        {u"CageGross", u"Null"},
-                        {u"CageTare", u"Null"},
-                        {u"CageNet", u"Null"},
-                        {u"CardPrinted", u"''"}})},
+       statementsFor(u"CAGELOG", u"CAGELOGID", 12,
+                     {{u"CageId", u"0"},
+                      {u"CageMovementId", u"9"},
+                      {u"Sequence", u"Null"},
+                      {u"InGreenGradeId", u"Null"},
+                      {u"InWeight", u"0"},
+                      {u"FromStatusId", u"Null"},
+                      {u"OutGreenGradeId", u"Null"},
+                      {u"OutWeight", u"0"},
+                      {u"ToStatusId", u"Null"},
+                      {u"CageGross", u"Null"},
+                      {u"CageTare", u"Null"},
+                      {u"CageNet", u"Null"},
+                      {u"CardPrinted", u"''"}})},
   };
 }
 
@@ -344,27 +323,6 @@ TEST_F(Cages, PostSendsTheKeyOnItsOwnConnection) {
   EXPECT_TRUE(m.Post(movement(0), kConnect));      // executed or not, key 0 or not
   EXPECT_EQ(db.statements().back(), u"EXEC sp_PostCageMovement 0");
 
-  struct Case {
-    const char* where;
-    std::function<void(ScriptedProvider&)> arm;
-    std::vector<std::string> log;
-  } cases[] = {
-      {"open",
-       [](ScriptedProvider& p) { p.failOpen(providerError()); },
-       {"create", "open DSN=plant|||-1", "release"}},
-      {"execute",
-       [](ScriptedProvider& p) { p.failExecute(u"sp_Post", providerError()); },
-       {"create", "open DSN=plant|||-1", "execute EXEC sp_PostCageMovement 41|-1", "release"}},
-      {"close",
-       [](ScriptedProvider& p) { p.failClose(providerError()); },
-       {"create", "open DSN=plant|||-1", "execute EXEC sp_PostCageMovement 41|-1", "close",
-        "release"}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.where);
-    ScriptedProvider p;
-    c.arm(p);
-    EXPECT_FALSE(m.Post(movement(41), kConnect));
-    EXPECT_EQ(p.log(), c.log);
-  }
+  vrdppo::testing::expectTrappedOnOwnConnection([&] { return m.Post(movement(41), kConnect); },
+                                                "DSN=plant", "EXEC sp_PostCageMovement 41");
 }

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "support/own_connection.hpp"
 #include "support/scripted_provider.hpp"
+#include "support/statements.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
@@ -18,37 +20,12 @@
 using namespace vrdppo;
 using vrdppo::testing::providerError;
 using vrdppo::testing::ScriptedProvider;
+using vrdppo::testing::Statements;
+using vrdppo::testing::statementsFor;
 
 namespace {
 
 const std::u16string kConnect = u"DSN=plant";
-
-// The insert and update of a record, from its table, its key column and its columns as
-// name-value pairs in the list order.
-struct Statements {
-  std::u16string insert;
-  std::u16string update;
-  std::u16string remove;
-};
-Statements statementsFor(std::u16string table, std::u16string key, long id,
-                         std::vector<std::pair<std::u16string, std::u16string>> columns) {
-  std::u16string names, values, sets;
-  for (const auto& [n, v] : columns) {
-    if (!names.empty()) {
-      names += u", ";
-      values += u", ";
-      sets += u", ";
-    }
-    names += n;
-    values += v;
-    sets += n + u" = " + v;
-  }
-  const std::u16string k = longText(static_cast<Long>(id));
-  return {u"EXEC sp_InsertStatement @p_Stmt = \"INSERT INTO " + table + u" (" + names +
-              u") VALUES (" + values + u")\"",
-          u"UPDATE " + table + u" SET " + sets + u" WHERE " + key + u" = " + k,
-          u"DELETE FROM " + table + u" WHERE " + key + u" = " + k};
-}
 
 class GreenLeaf : public ::testing::Test {
  protected:
@@ -299,27 +276,6 @@ TEST_F(GreenLeaf, PostReceiptsOnItsOwnConnection) {
   EXPECT_EQ(dbHelp::ConnectString, u"DSN=other");  // neither read nor changed
   EXPECT_EQ(r.GetState(), before);
 
-  struct Case {
-    const char* where;
-    std::function<void(ScriptedProvider&)> arm;
-    std::vector<std::string> log;
-  } cases[] = {
-      {"open",
-       [](ScriptedProvider& p) { p.failOpen(providerError()); },
-       {"create", "open DSN=plant|||-1", "release"}},
-      {"execute",
-       [](ScriptedProvider& p) { p.failExecute(u"sp_Post", providerError()); },
-       {"create", "open DSN=plant|||-1", "execute EXEC sp_PostGreenReceipts -42|-1", "release"}},
-      {"close",
-       [](ScriptedProvider& p) { p.failClose(providerError()); },
-       {"create", "open DSN=plant|||-1", "execute EXEC sp_PostGreenReceipts -42|-1", "close",
-        "release"}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.where);
-    ScriptedProvider p;
-    c.arm(p);
-    EXPECT_FALSE(r.PostReceipts(kConnect, -42));
-    EXPECT_EQ(p.log(), c.log);
-  }
+  vrdppo::testing::expectTrappedOnOwnConnection([&] { return r.PostReceipts(kConnect, -42); },
+                                                "DSN=plant", "EXEC sp_PostGreenReceipts -42");
 }

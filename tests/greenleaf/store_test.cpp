@@ -19,15 +19,7 @@ namespace {
 
 using GreenLeafStore = StoreTest;
 
-// A table class's record in two versions, so that an update shows.
-struct RoundTrip {
-  const char* name;
-  std::function<std::unique_ptr<TableObject>()> make;
-  std::function<std::u16string(Long key, int version)> state;
-  std::u16string key;  // as a criteria names it
-};
-
-std::vector<RoundTrip> roundTrips() {
+std::vector<TableRoundTrip> roundTrips() {
   return {
       {"receipt", [] { return std::make_unique<cGreenReceiptPersist>(); },
        [](Long key, int v) {
@@ -132,26 +124,7 @@ Long greenGrade(const std::u16string& connect, std::u16string_view code, Long co
 }  // namespace
 
 TEST_F(GreenLeafStore, EveryTableCommitsLoadsUpdatesAndDeletes) {
-  for (const auto& c : roundTrips()) {
-    SCOPED_TRACE(c.name);
-    auto o = c.make();
-    ASSERT_TRUE(o->Commit(c.state(0, 0), connect));
-    const Long key = o->key();
-    ASSERT_GT(key, 0);
-    const std::u16string where = c.key + u" = " + longText(key);
-    Buffer b;
-    b.SetState(o->Load(where, connect));
-    ASSERT_EQ(b.Count(), 1);
-    EXPECT_EQ(b.Item(1), c.state(key, 0));
-
-    ASSERT_TRUE(o->Commit(c.state(key, 1), connect));
-    b.SetState(o->Load(where, connect));
-    ASSERT_EQ(b.Count(), 1);
-    EXPECT_EQ(b.Item(1), c.state(key, 1));
-
-    ASSERT_TRUE(o->Delete(c.state(key, 1), connect));
-    EXPECT_EQ(o->Load(where, connect).size(), 9u);
-  }
+  expectRoundTrips(roundTrips(), connect);
 }
 
 TEST_F(GreenLeafStore, ReceiptListJoinsGradesAndCompany) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "support/own_connection.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
@@ -69,30 +70,8 @@ TEST_F(Run, PostOpensItsOwnConnectionWithNothingAhead) {
 }
 
 TEST_F(Run, PostTurnsEveryFailureIntoFalse) {
-  struct Case {
-    const char* where;
-    std::function<void(ScriptedProvider&)> arm;
-    Log log;
-  } cases[] = {
-      {"open",
-       [](ScriptedProvider& p) { p.failOpen(providerError()); },
-       {"create", "open DSN=plant|||-1", "release"}},
-      {"execute",
-       [](ScriptedProvider& p) { p.failExecute(u"sp_Post", providerError()); },
-       {"create", "open DSN=plant|||-1", "execute EXEC sp_PostProductionRun 1, 2, 0|-1",
-        "release"}},
-      {"close",
-       [](ScriptedProvider& p) { p.failClose(providerError()); },
-       {"create", "open DSN=plant|||-1", "execute EXEC sp_PostProductionRun 1, 2, 0|-1", "close",
-        "release"}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.where);
-    ScriptedProvider p;
-    c.arm(p);
-    EXPECT_FALSE(o.Post(kConnect, 1, 2, false));
-    EXPECT_EQ(p.log(), c.log);
-  }
+  vrdppo::testing::expectTrappedOnOwnConnection([&] { return o.Post(kConnect, 1, 2, false); },
+                                                "DSN=plant", "EXEC sp_PostProductionRun 1, 2, 0");
 }
 
 TEST_F(Run, PostWithAnEmptyConnectionDoesNotFallBackOnTheDefault) {
