@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "providers/embedded/embedded_store.hpp"
+#include "bench_store.hpp"
 #include "vrdppo/production/tests.hpp"
 #include "vrdppo/reference/stations.hpp"
 #include "vrdppo/render.hpp"
@@ -22,96 +22,69 @@ namespace {
 
 constexpr int kRows = 100000;
 
-struct Store {
-  std::string path;
-  std::u16string connect;
-};
-
-void exec(sqlite3* db, const char* sql) {
-  char* message = nullptr;
-  if (sqlite3_exec(db, sql, nullptr, nullptr, &message) != SQLITE_OK) {
-    std::string m = message ? message : "?";
-    sqlite3_free(message);
-    throw std::runtime_error(m);
-  }
-}
-
-void fill(sqlite3* db, const char* sql, int columns, void (*bind)(sqlite3_stmt*, int, int)) {
-  sqlite3_stmt* insert = nullptr;
-  if (sqlite3_prepare_v2(db, sql, -1, &insert, nullptr) != SQLITE_OK) {
-    throw std::runtime_error(sqlite3_errmsg(db));
-  }
-  for (int i = 0; i < kRows; ++i) {
-    for (int c = 1; c <= columns; ++c) bind(insert, c, i);
-    sqlite3_step(insert);
-    sqlite3_reset(insert);
-  }
-  sqlite3_finalize(insert);
-}
+using vrdppo::bench::exec;
+using vrdppo::bench::Store;
 
 // A store holding kRows degradation tests and kRows stations, made once per process.
 const Store& store() {
   static const Store s = [] {
-    Store st;
-    st.path = (std::filesystem::temp_directory_path() / "vrdppo-classes-bench.db").string();
-    vrdppo::embedded::releaseStore(st.path);
-    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(st.path + suffix);
-    vrdppo::embedded::openStore(st.path);
+    Store st = vrdppo::bench::freshStore("vrdppo-classes-bench.db");
     sqlite3* db = nullptr;
     sqlite3_open(st.path.c_str(), &db);
     exec(db, "BEGIN");
-    fill(db,
-         "INSERT INTO DEGRADATION (TestType, ProductionRunId, TestNumber, SampleTime, Weight, "
-         "Over1, OverHalf, FourXFour, EightXEight, StripOnPan, ThruQuarter, NonObj, ObjStem, "
-         "StemOnPan) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-         14, [](sqlite3_stmt* st, int c, int i) {
-           if (c <= 3) {
-             sqlite3_bind_int(st, c, c == 2 ? 1 + i / 1000 : i % 5);
-           } else if (c == 4) {
-             sqlite3_bind_text(st, c, "2019-03-07 09:30:00", -1, SQLITE_STATIC);
-           } else {
-             sqlite3_bind_double(st, c, (i % 1000) / 8.0 + c);
-           }
-         });
-    fill(db,
-         "INSERT INTO STATION (StationCode, Description, DeletedFlag, ScannerPort, ScannerBaud, "
-         "ScannerParity, ScannerData, ScannerStop, ScalePort, ScaleBaud, ScaleParity, ScaleData, "
-         "ScaleStop, TareTolerance, RealTimeLabels, NotifyInterval, DateTimeLabels, PrintDelay, "
-         "StationType, AccessAllRuns, VerifyBigBales, ModelCode, cbGreenUnitTypeId, "
-         "DefaultRecvLine, DefaultRecvMode) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-         "?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-         25, [](sqlite3_stmt* st, int c, int i) {
-           switch (c) {
-             case 5:
-             case 10:
-             case 14:
-             case 16:
-             case 18:
-             case 23:
-             case 24:
-               sqlite3_bind_int(st, c, 9600 + i % 7);
-               break;
-             case 1:
-               sqlite3_bind_text(st, c, "SCALE-2", -1, SQLITE_STATIC);
-               break;
-             case 2:
-               sqlite3_bind_text(st, c, "Receiving scale at door 2", -1, SQLITE_STATIC);
-               break;
-             case 4:
-             case 9:
-               sqlite3_bind_text(st, c, "COM1", -1, SQLITE_STATIC);
-               break;
-             case 25:
-               sqlite3_bind_text(st, c, "BALES", -1, SQLITE_STATIC);
-               break;
-             default:
-               sqlite3_bind_text(st, c, "N", -1, SQLITE_STATIC);
-               break;
-           }
-         });
+    vrdppo::bench::fill(
+        db,
+        "INSERT INTO DEGRADATION (TestType, ProductionRunId, TestNumber, SampleTime, Weight, "
+        "Over1, OverHalf, FourXFour, EightXEight, StripOnPan, ThruQuarter, NonObj, ObjStem, "
+        "StemOnPan) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+        kRows, 14, [](sqlite3_stmt* st, int c, int i) {
+          if (c <= 3) {
+            sqlite3_bind_int(st, c, c == 2 ? 1 + i / 1000 : i % 5);
+          } else if (c == 4) {
+            sqlite3_bind_text(st, c, "2019-03-07 09:30:00", -1, SQLITE_STATIC);
+          } else {
+            sqlite3_bind_double(st, c, (i % 1000) / 8.0 + c);
+          }
+        });
+    vrdppo::bench::fill(
+        db,
+        "INSERT INTO STATION (StationCode, Description, DeletedFlag, ScannerPort, ScannerBaud, "
+        "ScannerParity, ScannerData, ScannerStop, ScalePort, ScaleBaud, ScaleParity, ScaleData, "
+        "ScaleStop, TareTolerance, RealTimeLabels, NotifyInterval, DateTimeLabels, PrintDelay, "
+        "StationType, AccessAllRuns, VerifyBigBales, ModelCode, cbGreenUnitTypeId, "
+        "DefaultRecvLine, DefaultRecvMode) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+        "?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+        kRows, 25, [](sqlite3_stmt* st, int c, int i) {
+          switch (c) {
+            case 5:
+            case 10:
+            case 14:
+            case 16:
+            case 18:
+            case 23:
+            case 24:
+              sqlite3_bind_int(st, c, 9600 + i % 7);
+              break;
+            case 1:
+              sqlite3_bind_text(st, c, "SCALE-2", -1, SQLITE_STATIC);
+              break;
+            case 2:
+              sqlite3_bind_text(st, c, "Receiving scale at door 2", -1, SQLITE_STATIC);
+              break;
+            case 4:
+            case 9:
+              sqlite3_bind_text(st, c, "COM1", -1, SQLITE_STATIC);
+              break;
+            case 25:
+              sqlite3_bind_text(st, c, "BALES", -1, SQLITE_STATIC);
+              break;
+            default:
+              sqlite3_bind_text(st, c, "N", -1, SQLITE_STATIC);
+              break;
+          }
+        });
     exec(db, "COMMIT");
     sqlite3_close(db);
-    st.connect = vrdppo::embedded::connectString(st.path);
     return st;
   }();
   return s;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "providers/embedded/embedded_store.hpp"
+#include "bench_store.hpp"
 #include "vrdppo/production/stems.hpp"
 #include "vrdppo/render.hpp"
 
@@ -16,28 +16,13 @@ namespace {
 
 constexpr int kRows = 100000;
 
-struct Store {
-  std::string path;
-  std::u16string connect;
-};
-
-void exec(sqlite3* db, const char* sql) {
-  char* message = nullptr;
-  if (sqlite3_exec(db, sql, nullptr, nullptr, &message) != SQLITE_OK) {
-    std::string m = message ? message : "?";
-    sqlite3_free(message);
-    throw std::runtime_error(m);
-  }
-}
+using vrdppo::bench::exec;
+using vrdppo::bench::Store;
 
 // A store holding kRows stems, made once per process.
 const Store& store() {
   static const Store s = [] {
-    Store st;
-    st.path = (std::filesystem::temp_directory_path() / "vrdppo-bench.db").string();
-    vrdppo::embedded::releaseStore(st.path);
-    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(st.path + suffix);
-    vrdppo::embedded::openStore(st.path);
+    Store st = vrdppo::bench::freshStore("vrdppo-bench.db");
     sqlite3* db = nullptr;
     sqlite3_open(st.path.c_str(), &db);
     exec(db, "BEGIN");
@@ -62,7 +47,6 @@ const Store& store() {
     sqlite3_finalize(insert);
     exec(db, "COMMIT");
     sqlite3_close(db);
-    st.connect = vrdppo::embedded::connectString(st.path);
     return st;
   }();
   return s;
