@@ -59,7 +59,7 @@ std::size_t displayWidth(const std::string& s) {
 }
 
 std::string jsonValue(const Column& c, const std::byte* record) {
-  const std::string text = fieldText(c, record);
+  std::string text = fieldText(c, record);
   if (c.type == FieldType::Long) return text;
   if (c.type == FieldType::Double) {
     return text.find_first_of("in") == std::string::npos ? text : "\"" + text + "\"";

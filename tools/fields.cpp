@@ -62,7 +62,7 @@ std::vector<bool> coveredBytes(const RecordLayout& layout) {
                    : c.type == FieldType::Long ? 4u
                                                : 8u);
   }
-  mark(layout.trailing.offset, 2u * layout.trailing.length);
+  mark(layout.trailing.offset, std::size_t{2} * layout.trailing.length);
   return covered;
 }
 

@@ -133,7 +133,8 @@ void writeField(std::byte* record, std::uint16_t offset, const T& v) noexcept {
 // A record's layout: R from the struct, C copied from the class's table.
 template <class Record, std::uint16_t StateChars, std::size_t N>
 consteval RecordLayout makeLayout(const Column (&columns)[N], TrailingField trailing) {
-  static_assert(2 * StateChars >= sizeof(Record), "a state must hold the whole record");
+  static_assert(std::size_t{2} * StateChars >= sizeof(Record),
+                "a state must hold the whole record");
   return RecordLayout{static_cast<std::uint16_t>(sizeof(Record)), StateChars, columns, trailing};
 }
 

@@ -140,7 +140,7 @@ std::u16string Buffer::GetState() const {
   std::memcpy(bytes + 4, &estimate_, 4);
   std::memcpy(bytes + 8, &capacity_, 4);
   std::memcpy(bytes + 12, &count_, 4);
-  for (int i = 0; i < 8; ++i) {
+  for (std::size_t i = 0; i < 8; ++i) {
     header[i] = static_cast<char16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
   }
   std::memcpy(text_.data(), header, std::min<std::size_t>(8, text_.size()) * sizeof(char16_t));

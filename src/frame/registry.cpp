@@ -236,6 +236,7 @@ std::vector<MemberInfo> viewMembers(const ViewConfig& config) {
   if (config.shape == LoadStyle::List) order.push_back("SelectFields");
   order.push_back("FieldValue");
   order.push_back("Load");
+  members.reserve(order.size());
   for (const auto name : order) members.push_back(viewMember(config, name));
   return members;
 }

@@ -17,7 +17,7 @@ constexpr SQLSMALLINT kSqlServerTime = -154;  // SQL Server's time(n), described
 // Wider text and binary columns, and those of unknown width, are read cell by cell.
 constexpr SQLULEN kMaxBoundChars = 4000;
 constexpr SQLULEN kMaxBoundBytes = 8000;
-constexpr std::size_t kBlockBytes = 256 * 1024;
+constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 constexpr std::size_t kMaxBlockRows = 128;
 constexpr std::size_t kChunkChars = 4096;
 
