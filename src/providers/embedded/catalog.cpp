@@ -165,7 +165,13 @@ void Catalog::apply(sqlite3* db) const {
         run(db, "ALTER TABLE " + t.name + " ADD COLUMN " + def);
     }
   }
-  for (const auto& [name, select] : views_) run(db, "CREATE VIEW " + name + " AS " + select);
+  for (const auto& [name, select] : views_) {
+    std::string ddl = "CREATE VIEW ";
+    ddl += name;
+    ddl += " AS ";
+    ddl += select;
+    run(db, ddl);
+  }
   for (const auto& sql : statements_) run(db, sql);
 }
 

@@ -22,7 +22,7 @@ std::shared_ptr<Recordset> sendAlert(Session& session, const ProcArgs& args) {
 // already executed, or one that does not exist, is left alone.
 std::shared_ptr<Recordset> postCageMovement(Session& session, const ProcArgs& args) {
   args.expect({u"p_CageMovementId"});
-  const Variant key = args.get(0, u"p_CageMovementId");
+  const Variant& key = args.get(0, u"p_CageMovementId");
   session.transaction([&] {
     const auto movement = session.run(
         "SELECT COALESCE(Executed, ''), OperatorId, MovementTS FROM CAGEMOVEMENT "

@@ -163,10 +163,9 @@ std::shared_ptr<Recordset> prizingCloseRun(Session& session, const ProcArgs& arg
 // 1 while any run is in a grade change ("G"), else 0.
 std::shared_ptr<Recordset> prizingGradeChangeInProgress(Session& session, const ProcArgs& args) {
   args.expect({});
-  const auto rs = session.run(
+  return session.run(
       "SELECT CASE WHEN EXISTS (SELECT 1 FROM PRODUCTIONRUN WHERE PrizingStatus = 'G') "
       "THEN 1 ELSE 0 END AS InProgress");
-  return rs;
 }
 
 // The report's rows: per production grade, its runs and what they were fed; per stem type, the

@@ -15,7 +15,7 @@ namespace {
 
 // The table a sort procedure is given is a name, put into the statement: letters, digits and _.
 std::u16string sortTable(const Variant& v) {
-  const std::u16string name = v.isNull() ? std::u16string() : toString(v);
+  std::u16string name = v.isNull() ? std::u16string() : toString(v);
   bool ok = !name.empty();
   for (const char16_t ch : name) ok = ok && ch < 128 && (std::isalnum(ch) || ch == u'_');
   if (!ok) {
