@@ -288,8 +288,8 @@ void fnDateDiff(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
       r = (b.day * 24 + y.hour) - (a.day * 24 + x.hour);
       break;
     case Part::Minute:
-      r = (b.day * std::int64_t{1440} + y.hour * 60 + y.minute) -
-          (a.day * std::int64_t{1440} + x.hour * 60 + x.minute);
+      r = (b.day * std::int64_t{1440} + y.hour * std::int64_t{60} + y.minute) -
+          (a.day * std::int64_t{1440} + x.hour * std::int64_t{60} + x.minute);
       break;
     case Part::Second:
       r = (b.day * 86400 + b.ms / 1000) - (a.day * 86400 + a.ms / 1000);
