@@ -6,6 +6,38 @@
 
 namespace vrdppo::embedded {
 
+namespace {
+
+// The columns of a laboratory setting, less its key.
+constexpr const char* kSettingColumns = R"(
+    CompanyId INT, ProductionGradeId INT,
+    GreenDegradation VARCHAR(1), GreenDegCases INT, GreenDegMinutes INT, GrnTotStemTgt MONEY,
+    GrnTotStemRet MONEY, GrnTotStemRer MONEY, GrnPctObjTgt MONEY, GrnPctObjRet MONEY,
+    GrnPctObjRer MONEY, GrnLabel1 VARCHAR(20), GrnLabel2 VARCHAR(20), GrnLabel3 VARCHAR(20),
+    GrnLabel4 VARCHAR(20), GrnLabel5 VARCHAR(20), GrnLabel6 VARCHAR(20), GrnLabel7 VARCHAR(20),
+    GrnLabel8 VARCHAR(20), GrnLabel9 VARCHAR(20), StrLabel1 VARCHAR(20), StrLabel2 VARCHAR(20),
+    StrLabel3 VARCHAR(20), StrLabel4 VARCHAR(20), StrLabel5 VARCHAR(20), StrLabel6 VARCHAR(20),
+    StrLabel7 VARCHAR(20), StrLabel8 VARCHAR(20), StrLabel9 VARCHAR(20), ScrLabel1 VARCHAR(20),
+    ScrLabel2 VARCHAR(20), ScrLabel3 VARCHAR(20), ScrLabel4 VARCHAR(20), ScrLabel5 VARCHAR(20),
+    ScrLabel6 VARCHAR(20), ScrLabel7 VARCHAR(20), ScrLabel8 VARCHAR(20), ScrLabel9 VARCHAR(20),
+    StmLabel1 VARCHAR(20), StmLabel2 VARCHAR(20), StmLabel3 VARCHAR(20), StmLabel4 VARCHAR(20),
+    StmLabel5 VARCHAR(20), StmLabel6 VARCHAR(20), StmLabel7 VARCHAR(20), StmLabel8 VARCHAR(20),
+    StmLabel9 VARCHAR(20), StripDegradation VARCHAR(1), StripDegCases INT, StripDegMinutes INT,
+    TotStemTarget MONEY, TotStemRetest MONEY, TotStemRerun MONEY, PctObjTarget MONEY,
+    PctObjRetest MONEY, PctObjRerun MONEY, ScrapDegradation VARCHAR(1), ScrapDegCases INT,
+    ScrapDegMinutes INT, StemDegradation VARCHAR(1), StemDegCases INT, StemDegMinutes INT,
+    PackedStrip VARCHAR(1), PackedStripCases INT, PackedStripMinutes INT, PackedScrap VARCHAR(1),
+    PackedScrapCases INT, PackedScrapMinutes INT, StemInScrap VARCHAR(1), PackedStem VARCHAR(1),
+    PackedStemCases INT, PackedStemMinutes INT, LaminaOnStem VARCHAR(1), StemLength VARCHAR(1),
+    StemLengthDetail VARCHAR(1), GreenMoisture VARCHAR(1), GreenMinutes INT,
+    GreenStemMoisture VARCHAR(1), StripMoistureTarget MONEY, StripMoistureRetest MONEY,
+    StripMoistureRerun MONEY, StemMoistureTarget MONEY, StemMoistureRetest MONEY,
+    StemMoistureRerun MONEY, ScrapMoistureTarget MONEY, ScrapMoistureRetest MONEY,
+    ScrapMoistureRerun MONEY, ExitSiloMoisture VARCHAR(1), ExitSiloCases INT, ExitSiloMinutes INT,
+    ForeignMatter VARCHAR(1), ForeignMatterCases INT, ForeignMatterMinutes INT)";
+
+}  // namespace
+
 void addLabCatalog(Catalog& c) {
   c.table("LABHEADER", R"(
     LABHEADERID INTEGER PRIMARY KEY AUTOINCREMENT, CompanyId INT, ProductionGradeId INT,
@@ -15,59 +47,12 @@ void addLabCatalog(Catalog& c) {
     PackedStripCount INT, PackedStemCount INT, PackedScrapCount INT, GreenMoistureCount INT,
     ExitSiloCount INT, ForeignCount INT)");
 
-  c.table("LABSETTING", R"(
-    LABSETTINGID INTEGER PRIMARY KEY AUTOINCREMENT, CompanyId INT, ProductionGradeId INT,
-    GreenDegradation VARCHAR(1), GreenDegCases INT, GreenDegMinutes INT, GrnTotStemTgt MONEY,
-    GrnTotStemRet MONEY, GrnTotStemRer MONEY, GrnPctObjTgt MONEY, GrnPctObjRet MONEY,
-    GrnPctObjRer MONEY, GrnLabel1 VARCHAR(20), GrnLabel2 VARCHAR(20), GrnLabel3 VARCHAR(20),
-    GrnLabel4 VARCHAR(20), GrnLabel5 VARCHAR(20), GrnLabel6 VARCHAR(20), GrnLabel7 VARCHAR(20),
-    GrnLabel8 VARCHAR(20), GrnLabel9 VARCHAR(20), StrLabel1 VARCHAR(20), StrLabel2 VARCHAR(20),
-    StrLabel3 VARCHAR(20), StrLabel4 VARCHAR(20), StrLabel5 VARCHAR(20), StrLabel6 VARCHAR(20),
-    StrLabel7 VARCHAR(20), StrLabel8 VARCHAR(20), StrLabel9 VARCHAR(20), ScrLabel1 VARCHAR(20),
-    ScrLabel2 VARCHAR(20), ScrLabel3 VARCHAR(20), ScrLabel4 VARCHAR(20), ScrLabel5 VARCHAR(20),
-    ScrLabel6 VARCHAR(20), ScrLabel7 VARCHAR(20), ScrLabel8 VARCHAR(20), ScrLabel9 VARCHAR(20),
-    StmLabel1 VARCHAR(20), StmLabel2 VARCHAR(20), StmLabel3 VARCHAR(20), StmLabel4 VARCHAR(20),
-    StmLabel5 VARCHAR(20), StmLabel6 VARCHAR(20), StmLabel7 VARCHAR(20), StmLabel8 VARCHAR(20),
-    StmLabel9 VARCHAR(20), StripDegradation VARCHAR(1), StripDegCases INT, StripDegMinutes INT,
-    TotStemTarget MONEY, TotStemRetest MONEY, TotStemRerun MONEY, PctObjTarget MONEY,
-    PctObjRetest MONEY, PctObjRerun MONEY, ScrapDegradation VARCHAR(1), ScrapDegCases INT,
-    ScrapDegMinutes INT, StemDegradation VARCHAR(1), StemDegCases INT, StemDegMinutes INT,
-    PackedStrip VARCHAR(1), PackedStripCases INT, PackedStripMinutes INT, PackedScrap VARCHAR(1),
-    PackedScrapCases INT, PackedScrapMinutes INT, StemInScrap VARCHAR(1), PackedStem VARCHAR(1),
-    PackedStemCases INT, PackedStemMinutes INT, LaminaOnStem VARCHAR(1), StemLength VARCHAR(1),
-    StemLengthDetail VARCHAR(1), GreenMoisture VARCHAR(1), GreenMinutes INT,
-    GreenStemMoisture VARCHAR(1), StripMoistureTarget MONEY, StripMoistureRetest MONEY,
-    StripMoistureRerun MONEY, StemMoistureTarget MONEY, StemMoistureRetest MONEY,
-    StemMoistureRerun MONEY, ScrapMoistureTarget MONEY, ScrapMoistureRetest MONEY,
-    ScrapMoistureRerun MONEY, ExitSiloMoisture VARCHAR(1), ExitSiloCases INT, ExitSiloMinutes INT,
-    ForeignMatter VARCHAR(1), ForeignMatterCases INT, ForeignMatterMinutes INT)");
-
-  c.table("LABSETTINGSNAPSHOT", R"(
-    LABSETTINGSNAPSHOTID INTEGER PRIMARY KEY AUTOINCREMENT, CompanyId INT, ProductionGradeId INT,
-    GreenDegradation VARCHAR(1), GreenDegCases INT, GreenDegMinutes INT, GrnTotStemTgt MONEY,
-    GrnTotStemRet MONEY, GrnTotStemRer MONEY, GrnPctObjTgt MONEY, GrnPctObjRet MONEY,
-    GrnPctObjRer MONEY, GrnLabel1 VARCHAR(20), GrnLabel2 VARCHAR(20), GrnLabel3 VARCHAR(20),
-    GrnLabel4 VARCHAR(20), GrnLabel5 VARCHAR(20), GrnLabel6 VARCHAR(20), GrnLabel7 VARCHAR(20),
-    GrnLabel8 VARCHAR(20), GrnLabel9 VARCHAR(20), StrLabel1 VARCHAR(20), StrLabel2 VARCHAR(20),
-    StrLabel3 VARCHAR(20), StrLabel4 VARCHAR(20), StrLabel5 VARCHAR(20), StrLabel6 VARCHAR(20),
-    StrLabel7 VARCHAR(20), StrLabel8 VARCHAR(20), StrLabel9 VARCHAR(20), ScrLabel1 VARCHAR(20),
-    ScrLabel2 VARCHAR(20), ScrLabel3 VARCHAR(20), ScrLabel4 VARCHAR(20), ScrLabel5 VARCHAR(20),
-    ScrLabel6 VARCHAR(20), ScrLabel7 VARCHAR(20), ScrLabel8 VARCHAR(20), ScrLabel9 VARCHAR(20),
-    StmLabel1 VARCHAR(20), StmLabel2 VARCHAR(20), StmLabel3 VARCHAR(20), StmLabel4 VARCHAR(20),
-    StmLabel5 VARCHAR(20), StmLabel6 VARCHAR(20), StmLabel7 VARCHAR(20), StmLabel8 VARCHAR(20),
-    StmLabel9 VARCHAR(20), StripDegradation VARCHAR(1), StripDegCases INT, StripDegMinutes INT,
-    TotStemTarget MONEY, TotStemRetest MONEY, TotStemRerun MONEY, PctObjTarget MONEY,
-    PctObjRetest MONEY, PctObjRerun MONEY, ScrapDegradation VARCHAR(1), ScrapDegCases INT,
-    ScrapDegMinutes INT, StemDegradation VARCHAR(1), StemDegCases INT, StemDegMinutes INT,
-    PackedStrip VARCHAR(1), PackedStripCases INT, PackedStripMinutes INT, PackedScrap VARCHAR(1),
-    PackedScrapCases INT, PackedScrapMinutes INT, StemInScrap VARCHAR(1), PackedStem VARCHAR(1),
-    PackedStemCases INT, PackedStemMinutes INT, LaminaOnStem VARCHAR(1), StemLength VARCHAR(1),
-    StemLengthDetail VARCHAR(1), GreenMoisture VARCHAR(1), GreenMinutes INT,
-    GreenStemMoisture VARCHAR(1), StripMoistureTarget MONEY, StripMoistureRetest MONEY,
-    StripMoistureRerun MONEY, StemMoistureTarget MONEY, StemMoistureRetest MONEY,
-    StemMoistureRerun MONEY, ScrapMoistureTarget MONEY, ScrapMoistureRetest MONEY,
-    ScrapMoistureRerun MONEY, ExitSiloMoisture VARCHAR(1), ExitSiloCases INT, ExitSiloMinutes INT,
-    ForeignMatter VARCHAR(1), ForeignMatterCases INT, ForeignMatterMinutes INT)");
+  // A snapshot is a frozen copy of a setting: the same columns under a key of its own.
+  c.table("LABSETTING",
+          std::string("LABSETTINGID INTEGER PRIMARY KEY AUTOINCREMENT, ") + kSettingColumns);
+  c.table(
+      "LABSETTINGSNAPSHOT",
+      std::string("LABSETTINGSNAPSHOTID INTEGER PRIMARY KEY AUTOINCREMENT, ") + kSettingColumns);
 
   c.table("LABPACKED", R"(
     LABPACKEDID INTEGER PRIMARY KEY AUTOINCREMENT, LabHeaderID INT, ProductionGradeId INT,
