@@ -4,55 +4,20 @@
 #include <string>
 #include <vector>
 
+#include "frame/calendar.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/locale.hpp"
 #include "vrdppo/variant.hpp"
 
 namespace vrdppo {
 
-namespace {
-
-constexpr std::int64_t kEpochOffset = -25569;  // 1899-12-30 counted from 1970-01-01
-
-// Days since 1970-01-01 of a proleptic Gregorian date.
-std::int64_t daysFromCivil(std::int64_t y, unsigned m, unsigned d) {
-  y -= m <= 2;
-  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const auto yoe = static_cast<unsigned>(y - era * 400);
-  const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
-  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
-}
-
-void civilFromDays(std::int64_t z, int& year, int& month, int& day) {
-  z += 719468;
-  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const auto doe = static_cast<unsigned>(z - era * 146097);
-  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const std::int64_t y = static_cast<std::int64_t>(yoe) + era * 400;
-  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const unsigned mp = (5 * doy + 2) / 153;
-  day = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
-  month = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-  year = static_cast<int>(y + (month <= 2));
-}
-
-int daysInMonth(int y, int m) {
-  static constexpr std::array<int, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const bool leap = (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
-  return m == 2 && leap ? 29 : kDays[static_cast<std::size_t>(m - 1)];
-}
-
-}  // namespace
-
 Date makeDate(int year, int month, int day, int hour, int minute, double second) {
-  if (year < 100 || year > 9999 || month < 1 || month > 12 || day < 1 ||
-      day > daysInMonth(year, month) || hour < 0 || hour > 23 || minute < 0 || minute > 59 ||
-      !(second >= 0 && second < 60)) {
+  if (year < 100 || year > 9999 || !calendar::isValidDay(year, month, day) || hour < 0 ||
+      hour > 23 || minute < 0 || minute > 59 || !(second >= 0 && second < 60)) {
     throw Error::runtime(err::kInvalidCall);
   }
-  const auto days = static_cast<double>(
-      daysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) - kEpochOffset);
+  const auto days =
+      static_cast<double>(calendar::daysFromCivil(year, month, day) - calendar::kDateEpoch);
   const double time = (hour * 3600.0 + minute * 60.0 + second) / 86400.0;
   // Before day 0 the time of day still counts forward from midnight: -1.25 is 1899-12-29 06:00.
   return Date{days < 0 ? days - time : days + time};
@@ -84,7 +49,10 @@ DateParts splitDate(Date d) {
       }
     }
   }
-  civilFromDays(whole + kEpochOffset, p.year, p.month, p.day);
+  const calendar::CivilDay c = calendar::civilFromDays(whole + calendar::kDateEpoch);
+  p.year = c.year;
+  p.month = c.month;
+  p.day = c.day;
   if (p.year < 100 || p.year > 9999) throw Error::runtime(err::kInvalidCall);
   return p;
 }
@@ -148,7 +116,7 @@ int monthOf(std::u16string_view word) {
 }
 
 bool validDate(int y, int m, int d) {
-  return y >= 100 && y <= 9999 && m >= 1 && m <= 12 && d >= 1 && d <= daysInMonth(y, m);
+  return y >= 100 && y <= 9999 && calendar::isValidDay(y, m, d);
 }
 
 int expandYear(int y, int width) {

@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "frame/calendar.hpp"
 #include "providers/embedded/dates.hpp"
 #include "providers/embedded/functions.hpp"
 
@@ -133,7 +134,7 @@ void fnNow(sqlite3_context* ctx, int, sqlite3_value**) {
 
 std::int64_t partValue(Part part, const Moment& m) {
   const Civil c = civilOf(m);
-  const std::int64_t doy = m.day - daysFromCivil(c.year, 1, 1) + 1;
+  const std::int64_t doy = m.day - calendar::daysFromCivil(c.year, 1, 1) + 1;
   switch (part) {
     case Part::Year:
       return c.year;
@@ -146,9 +147,9 @@ std::int64_t partValue(Part part, const Moment& m) {
     case Part::Day:
       return c.day;
     case Part::Week:
-      return (doy - 1 + weekdayOf(daysFromCivil(c.year, 1, 1))) / 7 + 1;
+      return (doy - 1 + calendar::weekdayOf(calendar::daysFromCivil(c.year, 1, 1))) / 7 + 1;
     case Part::Weekday:
-      return weekdayOf(m.day) + 1;  // Sunday first, the server's default
+      return calendar::weekdayOf(m.day) + 1;  // Sunday first, the server's default
     case Part::Hour:
       return c.hour;
     case Part::Minute:
@@ -186,7 +187,7 @@ void fnDateName(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
   if (part == Part::Month) {
     s = kMonths[civilOf(m).month - 1];
   } else if (part == Part::Weekday) {
-    s = kWeekdays[weekdayOf(m.day)];
+    s = kWeekdays[calendar::weekdayOf(m.day)];
   } else {
     s = std::to_string(partValue(part, m));
   }
@@ -243,7 +244,7 @@ void fnDateAdd(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     if (year < 1 || year > 9999) return overflow();
     c.year = static_cast<int>(year);
     c.month = static_cast<int>(total - year * 12) + 1;
-    c.day = std::min(c.day, daysInMonth(c.year, c.month));
+    c.day = std::min(c.day, calendar::daysInMonth(c.year, c.month));
     m = momentOf(c);
   }
   const std::int64_t total = m.day * 86400000 + m.ms + ms;

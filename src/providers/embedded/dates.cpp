@@ -4,32 +4,18 @@
 #include <cstdio>
 #include <cstring>
 
+#include "frame/calendar.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo::embedded {
 
-std::int64_t daysFromCivil(int year, int month, int day) noexcept {
-  std::int64_t y = year - (month <= 2 ? 1 : 0);
-  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const auto yoe = static_cast<unsigned>(y - era * 400);
-  const auto m = static_cast<unsigned>(month);
-  const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + static_cast<unsigned>(day) - 1;
-  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
-}
-
 Civil civilOf(const Moment& mo) noexcept {
+  const calendar::CivilDay d = calendar::civilFromDays(mo.day);
   Civil c;
-  const std::int64_t z = mo.day + 719468;
-  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const auto doe = static_cast<unsigned>(z - era * 146097);
-  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const unsigned mp = (5 * doy + 2) / 153;
-  c.day = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
-  c.month = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-  c.year = static_cast<int>(static_cast<std::int64_t>(yoe) + era * 400 + (c.month <= 2 ? 1 : 0));
+  c.year = d.year;
+  c.month = d.month;
+  c.day = d.day;
   c.hour = mo.ms / 3600000;
   c.minute = mo.ms / 60000 % 60;
   c.second = mo.ms / 1000 % 60;
@@ -38,19 +24,8 @@ Civil civilOf(const Moment& mo) noexcept {
 }
 
 Moment momentOf(const Civil& c) noexcept {
-  return {daysFromCivil(c.year, c.month, c.day),
+  return {calendar::daysFromCivil(c.year, c.month, c.day),
           ((c.hour * 60 + c.minute) * 60 + c.second) * 1000 + c.ms};
-}
-
-int daysInMonth(int year, int month) noexcept {
-  static constexpr int kDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-  return month == 2 && leap ? 29 : kDays[month - 1];
-}
-
-int weekdayOf(std::int64_t day) noexcept {
-  const std::int64_t w = (day + 4) % 7;  // 1970-01-01 was a Thursday
-  return static_cast<int>(w < 0 ? w + 7 : w);
 }
 
 namespace {
@@ -106,8 +81,8 @@ std::optional<Moment> fastParse(std::string_view s) {
     }
   }
   while (i < s.size() && s[i] == ' ') ++i;
-  if (i != s.size() || c.month < 1 || c.month > 12 || c.day < 1 ||
-      c.day > daysInMonth(c.year, c.month) || c.hour > 23 || c.minute > 59 || c.second > 59) {
+  if (i != s.size() || !calendar::isValidDay(c.year, c.month, c.day) || c.hour > 23 ||
+      c.minute > 59 || c.second > 59) {
     return std::nullopt;
   }
   return momentOf(c);

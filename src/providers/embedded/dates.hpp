@@ -22,12 +22,9 @@ struct Civil {
   int year = 1970, month = 1, day = 1, hour = 0, minute = 0, second = 0, ms = 0;
 };
 
-std::int64_t daysFromCivil(int year, int month, int day) noexcept;
+// Day counts, leap years and month lengths come from the library's one calendar.
 Civil civilOf(const Moment& m) noexcept;
 Moment momentOf(const Civil& c) noexcept;
-int daysInMonth(int year, int month) noexcept;
-// 0 for Sunday.
-int weekdayOf(std::int64_t day) noexcept;
 
 // Reads a date text: quickly for yyyy/MM/dd (or with "-" or "."), optionally followed by
 // HH:MM, HH:MM:SS or HH:MM:SS.fff; every other form through the platform's date parser.
