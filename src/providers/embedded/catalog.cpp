@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "providers/embedded/errors.hpp"
+#include "providers/embedded/sqlite_handles.hpp"
 #include "providers/embedded/tokenizer.hpp"
 
 namespace vrdppo::embedded {
@@ -80,27 +81,16 @@ std::string withCollation(std::string_view definition) {
 }
 
 void run(sqlite3* db, const std::string& sql) {
-  char* message = nullptr;
-  if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &message) != SQLITE_OK) {
-    std::string text = "schema: ";
-    text += message ? message : sqlite3_errmsg(db);
-    sqlite3_free(message);
-    throw openError(text, sqlite3_extended_errcode(db));
-  }
+  execute(db, sql, Purpose::Setup);
 }
 
 std::unordered_set<std::string> existingColumns(sqlite3* db, const std::string& table) {
   std::unordered_set<std::string> names;
-  sqlite3_stmt* st = nullptr;
-  if (sqlite3_prepare_v2(db, "SELECT name FROM pragma_table_info(?1)", -1, &st, nullptr) !=
-      SQLITE_OK) {
-    throw openError(std::string("schema: ") + sqlite3_errmsg(db), sqlite3_extended_errcode(db));
+  Statement st(db, std::string_view("SELECT name FROM pragma_table_info(?1)"), Purpose::Setup);
+  st.bindText(1, table);
+  while (st.step()) {
+    names.insert(upper(reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0))));
   }
-  sqlite3_bind_text(st, 1, table.c_str(), -1, SQLITE_TRANSIENT);
-  while (sqlite3_step(st) == SQLITE_ROW) {
-    names.insert(upper(reinterpret_cast<const char*>(sqlite3_column_text(st, 0))));
-  }
-  sqlite3_finalize(st);
   return names;
 }
 

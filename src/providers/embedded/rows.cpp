@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "providers/embedded/dates.hpp"
-#include "providers/embedded/errors.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo::embedded {
@@ -97,15 +96,13 @@ Variant cell(sqlite3_stmt* st, int i, Kind kind) {
 
 }  // namespace
 
-std::shared_ptr<Recordset> fetchAll(sqlite3* db, sqlite3_stmt* st) {
-  const int columns = sqlite3_column_count(st);
+std::shared_ptr<Recordset> fetchAll(Statement& statement) {
+  const int columns = statement.columnCount();
   if (columns == 0) {
-    int rc;
-    while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
-    }
-    if (rc != SQLITE_DONE) throw sqliteError(db, rc);
+    statement.run();
     return std::make_shared<Recordset>();
   }
+  sqlite3_stmt* st = statement.get();
   std::vector<std::u16string> names;
   std::vector<Kind> kinds;
   names.reserve(static_cast<std::size_t>(columns));
@@ -116,11 +113,9 @@ std::shared_ptr<Recordset> fetchAll(sqlite3* db, sqlite3_stmt* st) {
     kinds.push_back(kindOf(sqlite3_column_decltype(st, i)));
   }
   auto rs = std::make_shared<Recordset>(std::move(names));
-  int rc;
-  while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+  while (statement.step()) {
     for (int i = 0; i < columns; ++i) rs->pushCell(cell(st, i, kinds[static_cast<std::size_t>(i)]));
   }
-  if (rc != SQLITE_DONE) throw sqliteError(db, rc);
   rs->rewind();
   return rs;
 }

@@ -5,13 +5,12 @@
 
 #include "vrdppo/recordset.hpp"
 
-struct sqlite3;
-struct sqlite3_stmt;
+#include "providers/embedded/sqlite_handles.hpp"
 
 namespace vrdppo::embedded {
 
 // Steps the statement to its end. A statement with result columns gives an open recordset of
 // all its rows, one without a closed recordset. Raises the store's error for a failed step.
-std::shared_ptr<Recordset> fetchAll(sqlite3* db, sqlite3_stmt* statement);
+std::shared_ptr<Recordset> fetchAll(Statement& statement);
 
 }  // namespace vrdppo::embedded

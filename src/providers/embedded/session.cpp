@@ -8,6 +8,7 @@
 #include "providers/embedded/dates.hpp"
 #include "providers/embedded/errors.hpp"
 #include "providers/embedded/rows.hpp"
+#include "providers/embedded/sqlite_handles.hpp"
 #include "providers/embedded/store_files.hpp"
 #include "providers/embedded/translator.hpp"
 #include "vrdppo/text.hpp"
@@ -35,56 +36,6 @@ bool isStatementWord(std::u16string_view word) {
   return false;
 }
 
-struct Finalize {
-  void operator()(sqlite3_stmt* st) const noexcept { sqlite3_finalize(st); }
-};
-using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
-
-void bind(sqlite3* db, sqlite3_stmt* st, int index, const Variant& v) {
-  int rc = SQLITE_OK;
-  switch (v.type()) {
-    case VarType::Empty:
-    case VarType::Null:
-    case VarType::Missing:
-      rc = sqlite3_bind_null(st, index);
-      break;
-    case VarType::Boolean:
-      rc = sqlite3_bind_int(st, index, v.boolean() ? 1 : 0);
-      break;
-    case VarType::Long:
-      rc = sqlite3_bind_int(st, index, v.lng());
-      break;
-    case VarType::LongLong:
-      rc = sqlite3_bind_int64(st, index, v.longLong());
-      break;
-    case VarType::Double:
-      rc = sqlite3_bind_double(st, index, v.dbl());
-      break;
-    case VarType::Currency:
-      rc = v.cur().raw % 10000 == 0
-               ? sqlite3_bind_int64(st, index, v.cur().raw / 10000)
-               : sqlite3_bind_double(st, index, static_cast<double>(v.cur().raw) / 10000.0);
-      break;
-    case VarType::Date: {
-      const auto m = momentOfDate(v.date().days);
-      if (!m) throw Error::runtime(err::kInvalidCall);
-      const std::string text = formatMoment(*m);
-      rc = sqlite3_bind_text(st, index, text.data(), static_cast<int>(text.size()),
-                             SQLITE_TRANSIENT);
-      break;
-    }
-    case VarType::String:
-      rc = sqlite3_bind_text16(st, index, v.str().data(), static_cast<int>(v.str().size() * 2),
-                               SQLITE_TRANSIENT);
-      break;
-    case VarType::Decimal:
-      rc = sqlite3_bind_text(st, index, v.decimal().text.data(),
-                             static_cast<int>(v.decimal().text.size()), SQLITE_TRANSIENT);
-      break;
-  }
-  if (rc != SQLITE_OK) throw sqliteError(db, rc);
-}
-
 }  // namespace
 
 Session::Session(const std::string& path) : path_(path) {
@@ -95,7 +46,7 @@ Session::Session(const std::string& path) : path_(path) {
 }
 
 Session::~Session() {
-  releaseConnection(path_, db_, reusable_);
+  releaseConnection(path_, std::move(db_), reusable_);
 }
 
 void Session::note(std::string_view sqlite) {
@@ -167,34 +118,23 @@ std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin
 }
 
 std::shared_ptr<Recordset> Session::prepared(std::u16string_view sqlite) {
-  sqlite3_stmt* raw = nullptr;
-  const int rc = sqlite3_prepare16_v3(db_, sqlite.data(), static_cast<int>(sqlite.size() * 2), 0,
-                                      &raw, nullptr);
-  if (rc != SQLITE_OK) throw sqliteError(db_, rc);
-  if (!raw) return std::make_shared<Recordset>();
-  const Statement st(raw);
-  return fetchAll(db_, raw);
+  Statement st(db_.get(), sqlite);
+  return fetchAll(st);
 }
 
 std::shared_ptr<Recordset> Session::run(std::string_view sqlite,
                                         std::initializer_list<Variant> params) {
   note(sqlite);
-  sqlite3_stmt* raw = nullptr;
-  const int rc =
-      sqlite3_prepare_v2(db_, sqlite.data(), static_cast<int>(sqlite.size()), &raw, nullptr);
-  if (rc != SQLITE_OK) throw sqliteError(db_, rc);
-  if (!raw) return std::make_shared<Recordset>();
-  const Statement st(raw);
+  Statement st(db_.get(), sqlite);
+  if (st.empty()) return std::make_shared<Recordset>();
   int index = 1;
-  for (const auto& p : params) bind(db_, raw, index++, p);
-  return fetchAll(db_, raw);
+  for (const auto& p : params) st.bind(index++, p);
+  return fetchAll(st);
 }
 
 void Session::exec(std::string_view sqlite) {
   note(sqlite);
-  const std::string text(sqlite);
-  const int rc = sqlite3_exec(db_, text.c_str(), nullptr, nullptr, nullptr);
-  if (rc != SQLITE_OK) throw sqliteError(db_, rc);
+  embedded::execute(db_.get(), sqlite);
 }
 
 std::shared_ptr<Recordset> Session::call(const ProcArgs& args) {
@@ -209,24 +149,24 @@ std::shared_ptr<Recordset> Session::call(const ProcArgs& args) {
 }
 
 void Session::transaction(const std::function<void()>& body) {
-  const bool outer = sqlite3_get_autocommit(db_) != 0;
+  const bool outer = sqlite3_get_autocommit(db_.get()) != 0;
   exec(outer ? "BEGIN IMMEDIATE" : "SAVEPOINT vr_procedure");
   try {
     body();
   } catch (...) {
-    sqlite3_exec(db_, outer ? "ROLLBACK" : "ROLLBACK TO vr_procedure; RELEASE vr_procedure",
-                 nullptr, nullptr, nullptr);
+    rollbackQuietly(db_.get(),
+                    outer ? "ROLLBACK" : "ROLLBACK TO vr_procedure; RELEASE vr_procedure");
     throw;
   }
   exec(outer ? "COMMIT" : "RELEASE vr_procedure");
 }
 
 std::int64_t Session::lastInsertId() const noexcept {
-  return sqlite3_last_insert_rowid(db_);
+  return sqlite3_last_insert_rowid(db_.get());
 }
 
 std::int64_t Session::changes() const noexcept {
-  return sqlite3_changes64(db_);
+  return sqlite3_changes64(db_.get());
 }
 
 }  // namespace vrdppo::embedded

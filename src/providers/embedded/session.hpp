@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "call.hpp"
+#include "providers/embedded/sqlite_handles.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/variant.hpp"
 
@@ -26,7 +27,7 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  sqlite3* handle() const noexcept { return db_; }
+  sqlite3* handle() const noexcept { return db_.get(); }
 
   // SET QUOTED_IDENTIFIER: on, as on a server, until the connection says otherwise.
   bool quotedIdentifier() const noexcept { return quotedIdentifier_; }
@@ -63,7 +64,7 @@ class Session {
   void note(std::u16string_view firstWord);
 
   std::string path_;
-  sqlite3* db_ = nullptr;
+  ConnectionHandle db_;
   bool reusable_ = true;
   bool quotedIdentifier_ = true;
   std::int32_t auditTrailId_ = 0;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-struct sqlite3;
+#include "providers/embedded/sqlite_handles.hpp"
 
 namespace vrdppo::embedded {
 
@@ -15,8 +15,8 @@ class Session;
 inline constexpr int kBusyTimeoutMs = 30000;
 
 // A connection on path with the busy timeout, the dialect's functions and durable commits.
-// Raises the provider-failure error; the caller closes the handle.
-sqlite3* openConnection(const std::string& path, const Session* session);
+// Raises the provider-failure error.
+ConnectionHandle openConnection(const std::string& path, const Session* session);
 
 // Makes the file at path ready: created with the current schema, or brought up to date, in WAL
 // mode. The first call per process per file does the work and keeps one idle connection open on
@@ -31,11 +31,11 @@ void prepareStore(const std::string& path, bool recheck = false);
 inline constexpr std::size_t kIdleConnections = 8;
 
 // A connection on the prepared store at path, bound to session.
-sqlite3* acquireConnection(const std::string& path, const Session* session);
+ConnectionHandle acquireConnection(const std::string& path, const Session* session);
 // Hands a connection back after its statement: any transaction left open is rolled back; kept
 // for the next statement when reusable (nothing on it outlives the session: no temporary
 // tables, no changed settings), closed otherwise.
-void releaseConnection(const std::string& path, sqlite3* db, bool reusable);
+void releaseConnection(const std::string& path, ConnectionHandle db, bool reusable);
 
 // Closes what the process keeps on path and forgets that the file was prepared.
 void forgetStore(const std::string& path);

@@ -1,0 +1,129 @@
+#include "providers/embedded/sqlite_handles.hpp"
+
+#include <sqlite3.h>
+
+#include "providers/embedded/dates.hpp"
+#include "providers/embedded/errors.hpp"
+#include "vrdppo/text.hpp"
+
+namespace vrdppo::embedded {
+
+void CloseConnection::operator()(sqlite3* db) const noexcept {
+  // close_v2 cannot fail for a valid handle: it defers the close until the last statement goes.
+  sqlite3_close_v2(db);
+}
+
+namespace {
+
+[[noreturn]] void raise(sqlite3* db, int rc, Purpose purpose, std::string_view text) {
+  if (purpose == Purpose::Client) throw sqliteError(db, rc);
+  std::string message = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
+  message += " in: ";
+  message += text;
+  throw openError(message, db ? sqlite3_extended_errcode(db) : rc);
+}
+
+}  // namespace
+
+Statement::Statement(sqlite3* db, std::string_view sql, Purpose purpose)
+    : db_(db), purpose_(purpose) {
+  if (purpose == Purpose::Setup) text_ = sql;
+  const int rc = sqlite3_prepare_v2(db, sql.data(), static_cast<int>(sql.size()), &st_, nullptr);
+  if (rc != SQLITE_OK) fail(rc);
+}
+
+Statement::Statement(sqlite3* db, std::u16string_view sql, Purpose purpose)
+    : db_(db), purpose_(purpose) {
+  if (purpose == Purpose::Setup) text_ = toUtf8(sql);
+  const int rc =
+      sqlite3_prepare16_v3(db, sql.data(), static_cast<int>(sql.size() * 2), 0, &st_, nullptr);
+  if (rc != SQLITE_OK) fail(rc);
+}
+
+Statement::~Statement() {
+  // finalize repeats the last step's error, which step has already raised.
+  sqlite3_finalize(st_);
+}
+
+int Statement::columnCount() const noexcept {
+  return st_ ? sqlite3_column_count(st_) : 0;
+}
+
+void Statement::bind(int index, const Variant& v) {
+  int rc = SQLITE_OK;
+  switch (v.type()) {
+    case VarType::Empty:
+    case VarType::Null:
+    case VarType::Missing:
+      rc = sqlite3_bind_null(st_, index);
+      break;
+    case VarType::Boolean:
+      rc = sqlite3_bind_int(st_, index, v.boolean() ? 1 : 0);
+      break;
+    case VarType::Long:
+      rc = sqlite3_bind_int(st_, index, v.lng());
+      break;
+    case VarType::LongLong:
+      rc = sqlite3_bind_int64(st_, index, v.longLong());
+      break;
+    case VarType::Double:
+      rc = sqlite3_bind_double(st_, index, v.dbl());
+      break;
+    case VarType::Currency:
+      rc = v.cur().raw % 10000 == 0
+               ? sqlite3_bind_int64(st_, index, v.cur().raw / 10000)
+               : sqlite3_bind_double(st_, index, static_cast<double>(v.cur().raw) / 10000.0);
+      break;
+    case VarType::Date: {
+      const auto m = momentOfDate(v.date().days);
+      if (!m) throw Error::runtime(err::kInvalidCall);
+      bindText(index, formatMoment(*m));
+      return;
+    }
+    case VarType::String:
+      rc = sqlite3_bind_text16(st_, index, v.str().data(), static_cast<int>(v.str().size() * 2),
+                               SQLITE_TRANSIENT);
+      break;
+    case VarType::Decimal:
+      bindText(index, v.decimal().text);
+      return;
+  }
+  if (rc != SQLITE_OK) fail(rc);
+}
+
+void Statement::bindText(int index, std::string_view utf8) {
+  const int rc =
+      sqlite3_bind_text(st_, index, utf8.data(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT);
+  if (rc != SQLITE_OK) fail(rc);
+}
+
+bool Statement::step() {
+  if (!st_) return false;
+  const int rc = sqlite3_step(st_);
+  if (rc == SQLITE_ROW) return true;
+  if (rc != SQLITE_DONE) fail(rc);
+  return false;
+}
+
+void Statement::run() {
+  while (step()) {
+  }
+}
+
+void Statement::fail(int rc) const {
+  raise(db_, rc, purpose_, text_);
+}
+
+void execute(sqlite3* db, std::string_view sql, Purpose purpose) {
+  const std::string text(sql);
+  char* message = nullptr;
+  const int rc = sqlite3_exec(db, text.c_str(), nullptr, nullptr, &message);
+  sqlite3_free(message);  // the same text as sqlite3_errmsg, which raise reads
+  if (rc != SQLITE_OK) raise(db, rc, purpose, sql);
+}
+
+bool rollbackQuietly(sqlite3* db, const char* sql) noexcept {
+  return sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+}  // namespace vrdppo::embedded

@@ -1,0 +1,68 @@
+// Owned SQLite handles. Every connection and statement of the store lives in one of these, so
+// each is closed or finalized on every path, and every result code is checked in one place.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vrdppo/variant.hpp"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace vrdppo::embedded {
+
+struct CloseConnection {
+  void operator()(sqlite3* db) const noexcept;
+};
+// A connection the holder owns; sqlite3_close_v2 when it goes.
+using ConnectionHandle = std::unique_ptr<sqlite3, CloseConnection>;
+
+// What a failed statement raises. A client's statement fails as the server would report it; a
+// statement of the store's own set-up fails as a store that cannot be opened, naming the text.
+enum class Purpose { Client, Setup };
+
+// One prepared statement on a connection that outlives it.
+class Statement {
+ public:
+  // Prepares the first statement of sql. A text of blanks or comments alone prepares to an
+  // empty statement, which steps to its end at once.
+  Statement(sqlite3* db, std::string_view sql, Purpose purpose = Purpose::Client);
+  Statement(sqlite3* db, std::u16string_view sql, Purpose purpose = Purpose::Client);
+  ~Statement();
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  sqlite3_stmt* get() const noexcept { return st_; }
+  sqlite3* db() const noexcept { return db_; }
+  bool empty() const noexcept { return st_ == nullptr; }
+  int columnCount() const noexcept;
+
+  // Binds ? number index (from 1): a Variant as the store keeps its type, or UTF-8 text.
+  void bind(int index, const Variant& v);
+  void bindText(int index, std::string_view utf8);
+
+  // Steps once: true on a row, false at the end.
+  bool step();
+  // Steps to the end, dropping any rows.
+  void run();
+
+  // Raises the error for result code rc of this statement, as its purpose says.
+  [[noreturn]] void fail(int rc) const;
+
+ private:
+  sqlite3* db_;
+  sqlite3_stmt* st_ = nullptr;
+  Purpose purpose_;
+  std::string text_;  // kept for set-up statements, to name them when they fail
+};
+
+// Runs statements that yield nothing (set-up and transaction control); a failure raises as
+// purpose says.
+void execute(sqlite3* db, std::string_view sql, Purpose purpose = Purpose::Client);
+// Runs a ROLLBACK while another failure is already on its way: that failure is the one the
+// caller must see, so this one's result only decides whether the connection is still clean.
+bool rollbackQuietly(sqlite3* db, const char* sql) noexcept;
+
+}  // namespace vrdppo::embedded
