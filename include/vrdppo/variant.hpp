@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -116,6 +117,12 @@ struct DateParts {
 DateParts splitDate(Date d);  // error 5 outside 0100-01-01 .. 9999-12-31 or not finite
 // The Date of calendar fields; seconds may carry a fraction. Error 5 for an invalid date.
 Date makeDate(int year, int month, int day, int hour = 0, int minute = 0, double second = 0);
+// The same three where a text or a value that is no date is an answer rather than an error:
+// nullopt where the others raise.
+std::optional<Date> tryParseDate(std::u16string_view s);
+std::optional<DateParts> trySplitDate(Date d) noexcept;
+std::optional<Date> tryMakeDate(int year, int month, int day, int hour = 0, int minute = 0,
+                                double second = 0) noexcept;
 inline constexpr double kMinDate = -657434.0;  // 0100-01-01
 inline constexpr double kMaxDate = 2958466.0;  // 10000-01-01, exclusive
 

@@ -1,6 +1,7 @@
 // Dates as day counts from 1899-12-30: splitting, making, parsing and the general date text.
 #include <array>
 #include <cmath>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,10 +12,11 @@
 
 namespace vrdppo {
 
-Date makeDate(int year, int month, int day, int hour, int minute, double second) {
+std::optional<Date> tryMakeDate(int year, int month, int day, int hour, int minute,
+                                double second) noexcept {
   if (year < 100 || year > 9999 || !calendar::isValidDay(year, month, day) || hour < 0 ||
       hour > 23 || minute < 0 || minute > 59 || !(second >= 0 && second < 60)) {
-    throw Error::runtime(err::kInvalidCall);
+    return std::nullopt;
   }
   const auto days =
       static_cast<double>(calendar::daysFromCivil(year, month, day) - calendar::kDateEpoch);
@@ -23,11 +25,14 @@ Date makeDate(int year, int month, int day, int hour, int minute, double second)
   return Date{days < 0 ? days - time : days + time};
 }
 
-DateParts splitDate(Date d) {
+Date makeDate(int year, int month, int day, int hour, int minute, double second) {
+  if (auto d = tryMakeDate(year, month, day, hour, minute, second)) return *d;
+  throw Error::runtime(err::kInvalidCall);
+}
+
+std::optional<DateParts> trySplitDate(Date d) noexcept {
   const double v = d.days;
-  if (!std::isfinite(v) || v <= kMinDate - 1 || v >= kMaxDate) {
-    throw Error::runtime(err::kInvalidCall);
-  }
+  if (!std::isfinite(v) || v <= kMinDate - 1 || v >= kMaxDate) return std::nullopt;
   auto whole = static_cast<std::int64_t>(std::trunc(v));
   double t = std::fabs(v - static_cast<double>(whole)) + 1e-11;
   DateParts p;
@@ -53,8 +58,13 @@ DateParts splitDate(Date d) {
   p.year = c.year;
   p.month = c.month;
   p.day = c.day;
-  if (p.year < 100 || p.year > 9999) throw Error::runtime(err::kInvalidCall);
+  if (p.year < 100 || p.year > 9999) return std::nullopt;
   return p;
+}
+
+DateParts splitDate(Date d) {
+  if (auto p = trySplitDate(d)) return *p;
+  throw Error::runtime(err::kInvalidCall);
 }
 
 namespace {
@@ -128,8 +138,7 @@ int expandYear(int y, int width) {
 
 // Dates with "-", "/", space or "," between their parts, ":" in the time, month names, AM/PM and
 // an ISO "T"; the field order tried is Y/M/D for a four-digit first field, else M/D/Y then D/M/Y.
-Date parseDate(std::u16string_view s) {
-  const auto fail = [] { return Error::runtime(err::kTypeMismatch); };
+std::optional<Date> tryParseDate(std::u16string_view s) {
   std::vector<Token> tokens;
   for (std::size_t i = 0; i < s.size();) {
     const char16_t c = s[i];
@@ -156,7 +165,7 @@ Date parseDate(std::u16string_view s) {
       } else if (const int m = monthOf(word)) {
         tokens.push_back({Token::Month, m, 0, 0});
       } else {
-        throw fail();
+        return std::nullopt;
       }
       i = j;
     } else if (c == u'-' || c == u'/' || c == u' ' || c == u',' || c == u':' || c == u'.' ||
@@ -164,7 +173,7 @@ Date parseDate(std::u16string_view s) {
       tokens.push_back({Token::Sep, 0, 0, c == u'\t' ? u' ' : c});
       ++i;
     } else {
-      throw fail();
+      return std::nullopt;
     }
   }
   std::vector<Token> dateNums;
@@ -177,7 +186,7 @@ Date parseDate(std::u16string_view s) {
       const bool nextColon = k + 1 < tokens.size() && tokens[k + 1].sep == u':';
       const bool prevColon = k > 0 && tokens[k - 1].sep == u':';
       const bool nextPoint = k + 1 < tokens.size() && tokens[k + 1].sep == u'.';
-      if (prevColon && nextPoint) throw fail();  // fractional seconds
+      if (prevColon && nextPoint) return std::nullopt;  // fractional seconds
       if (nextColon || prevColon || (k + 1 < tokens.size() && tokens[k + 1].kind == Token::AmPm) ||
           (k + 2 < tokens.size() && tokens[k + 1].kind == Token::Sep && tokens[k + 1].sep == u' ' &&
            tokens[k + 2].kind == Token::AmPm)) {
@@ -186,34 +195,34 @@ Date parseDate(std::u16string_view s) {
         dateNums.push_back(t);
       }
     } else if (t.kind == Token::Month) {
-      if (month) throw fail();
+      if (month) return std::nullopt;
       month = t.value;
     } else if (t.kind == Token::AmPm) {
       ampm = t.value;
     } else if (t.sep == u'.' &&
                !(k > 0 && tokens[k - 1].kind == Token::Number && !timeNums.empty())) {
-      throw fail();
+      return std::nullopt;
     }
   }
-  if (timeNums.size() > 3 || dateNums.size() > 3) throw fail();
+  if (timeNums.size() > 3 || dateNums.size() > 3) return std::nullopt;
   int hour = timeNums.size() > 0 ? timeNums[0] : 0;
   const int minute = timeNums.size() > 1 ? timeNums[1] : 0;
   const int second = timeNums.size() > 2 ? timeNums[2] : 0;
   if (ampm >= 0) {
-    if (hour < 1 || hour > 12) throw fail();
+    if (hour < 1 || hour > 12) return std::nullopt;
     hour = hour % 12 + (ampm == 1 ? 12 : 0);
   }
-  if (hour > 23 || minute > 59 || second > 59) throw fail();
+  if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
 
   int y = 0;
   int m = 0;
   int d = 0;
   bool found = false;
   if (dateNums.empty() && month == 0) {
-    if (timeNums.empty()) throw fail();
+    if (timeNums.empty()) return std::nullopt;
     y = 1899, m = 12, d = 30, found = true;
   } else if (month != 0) {
-    if (dateNums.size() != 2) throw fail();
+    if (dateNums.size() != 2) return std::nullopt;
     // "7 March 2019", "March 7, 2019", "2019 March 7": the four-digit one is the year.
     const bool firstIsYear = dateNums[0].width > 2;
     d = firstIsYear ? dateNums[1].value : dateNums[0].value;
@@ -236,8 +245,13 @@ Date parseDate(std::u16string_view s) {
       }
     }
   }
-  if (!found) throw fail();
-  return makeDate(y, m, d, hour, minute, second);
+  if (!found) return std::nullopt;
+  return tryMakeDate(y, m, d, hour, minute, second);
+}
+
+Date parseDate(std::u16string_view s) {
+  if (auto d = tryParseDate(s)) return *d;
+  throw Error::runtime(err::kTypeMismatch);
 }
 
 }  // namespace vrdppo

@@ -173,9 +173,43 @@ TEST(Dates, ParseTheCommonForms) {
       {u"13/3/2019", makeDate(2019, 3, 13).days},
       {u"14:05", (14 * 60 + 5) / 1440.0},
   };
-  for (const auto& c : cases) EXPECT_DOUBLE_EQ(parseDate(c.text).days, c.days) << toUtf8(c.text);
-  for (const char16_t* bad : {u"", u"abc", u"2019/02/30", u"14:05:09.5", u"25:00"}) {
+  for (const auto& c : cases) {
+    EXPECT_DOUBLE_EQ(parseDate(c.text).days, c.days) << toUtf8(c.text);
+    EXPECT_EQ(tryParseDate(c.text), Date{c.days}) << toUtf8(c.text);
+  }
+  for (const char16_t* bad : {u"", u"abc", u"2019/02/30", u"14:05:09.5", u"25:00", u"0/0/0",
+                              u"2019/13/01", u"99999/1/1"}) {
     EXPECT_EQ(numberOf([&] { parseDate(bad); }), err::kTypeMismatch) << toUtf8(bad);
+    EXPECT_EQ(tryParseDate(bad), std::nullopt) << toUtf8(bad);
+  }
+}
+
+// The forms that answer nullopt agree with the ones that raise, on both sides of each limit.
+TEST(Dates, TheNonRaisingFormsAgreeWithTheRaisingOnes) {
+  for (const double days : {kMinDate, kMinDate - 0.5, kMinDate - 1, kMaxDate - 1e-6, kMaxDate, 0.0,
+                            -1.25, 3e6, std::nan(""), HUGE_VAL}) {
+    const auto parts = trySplitDate(Date{days});
+    if (numberOf([&] { splitDate(Date{days}); }) == err::kInvalidCall) {
+      EXPECT_FALSE(parts) << days;
+    } else {
+      ASSERT_TRUE(parts) << days;
+      EXPECT_EQ(parts->year, splitDate(Date{days}).year);
+    }
+  }
+  struct Fields {
+    int year, month, day, hour, minute;
+    double second;
+    bool valid;
+  };
+  for (const Fields& f :
+       {Fields{2024, 2, 29, 0, 0, 0, true}, Fields{2023, 2, 29, 0, 0, 0, false},
+        Fields{2024, 0, 1, 0, 0, 0, false}, Fields{2024, 13, 1, 0, 0, 0, false},
+        Fields{99, 1, 1, 0, 0, 0, false}, Fields{9999, 12, 31, 23, 59, 59.5, true},
+        Fields{2024, 1, 1, 24, 0, 0, false}, Fields{2024, 1, 1, 0, 0, 60, false}}) {
+    const auto d = tryMakeDate(f.year, f.month, f.day, f.hour, f.minute, f.second);
+    EXPECT_EQ(d.has_value(), f.valid) << f.year << "-" << f.month << "-" << f.day;
+    EXPECT_EQ(numberOf([&] { makeDate(f.year, f.month, f.day, f.hour, f.minute, f.second); }),
+              f.valid ? 0 : err::kInvalidCall);
   }
 }
 

@@ -91,33 +91,23 @@ std::optional<Moment> fastParse(std::string_view s) {
 }  // namespace
 
 std::optional<Moment> momentOfDate(double days) {
-  try {
-    const DateParts p = splitDate(Date{days});
-    return momentOf({p.year, p.month, p.day, p.hour, p.minute, p.second, 0});
-  } catch (const Error&) {
-    return std::nullopt;
-  }
+  const auto p = trySplitDate(Date{days});
+  if (!p) return std::nullopt;
+  return momentOf({p->year, p->month, p->day, p->hour, p->minute, p->second, 0});
 }
 
 std::optional<Date> dateOf(const Moment& m) {
   const Civil c = civilOf(m);
-  try {
-    return makeDate(c.year, c.month, c.day, c.hour, c.minute, c.second + c.ms / 1000.0);
-  } catch (const Error&) {
-    return std::nullopt;
-  }
+  return tryMakeDate(c.year, c.month, c.day, c.hour, c.minute, c.second + c.ms / 1000.0);
 }
 
 std::optional<Moment> parseMoment(std::string_view utf8) {
   if (auto m = fastParse(utf8)) return m;
   // Month names, AM/PM, M/D/Y and the other forms a person may have typed.
   if (utf8.empty() || utf8.size() > 64) return std::nullopt;
-  try {
-    const Date d = parseDate(fromUtf8(utf8));
-    return momentOfDate(d.days);
-  } catch (const Error&) {
-    return std::nullopt;
-  }
+  const auto d = tryParseDate(fromUtf8(utf8));
+  if (!d) return std::nullopt;
+  return momentOfDate(d->days);
 }
 
 std::string formatMoment(const Moment& m) {
@@ -133,11 +123,7 @@ std::string formatMoment(const Moment& m) {
 std::optional<Date> storedDate(std::string_view utf8) {
   if (auto m = fastParse(utf8)) return dateOf(*m);
   if (utf8.empty() || utf8.size() > 64) return std::nullopt;
-  try {
-    return parseDate(fromUtf8(utf8));
-  } catch (const Error&) {
-    return std::nullopt;
-  }
+  return tryParseDate(fromUtf8(utf8));
 }
 
 int compareDateTexts(std::string_view a, std::string_view b) {
