@@ -1,11 +1,13 @@
 // A store file for a benchmark, filled straight through SQLite so that only the reads are timed.
 #pragma once
 
+#include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "providers/embedded/embedded_store.hpp"
 
@@ -15,6 +17,15 @@ struct Store {
   std::string path;
   std::u16string connect;
 };
+
+inline void exec(sqlite3* db, const char* sql) {
+  char* message = nullptr;
+  if (sqlite3_exec(db, sql, nullptr, nullptr, &message) != SQLITE_OK) {
+    std::string m = message ? message : "?";
+    sqlite3_free(message);
+    throw std::runtime_error(m);
+  }
+}
 
 // A fresh store of that file name in the temporary directory, with its schema.
 inline Store freshStore(const std::string& name) {
@@ -27,13 +38,17 @@ inline Store freshStore(const std::string& name) {
   return s;
 }
 
-inline void exec(sqlite3* db, const char* sql) {
-  char* message = nullptr;
-  if (sqlite3_exec(db, sql, nullptr, nullptr, &message) != SQLITE_OK) {
-    std::string m = message ? message : "?";
-    sqlite3_free(message);
-    throw std::runtime_error(m);
-  }
+// A fresh store of that file name, filled by fill(db) in one transaction straight through SQLite.
+template <class Fill>
+Store filledStore(const std::string& name, Fill fill) {
+  Store st = freshStore(name);
+  sqlite3* db = nullptr;
+  sqlite3_open(st.path.c_str(), &db);
+  exec(db, "BEGIN");
+  fill(db);
+  exec(db, "COMMIT");
+  sqlite3_close(db);
+  return st;
 }
 
 // Runs the insert `rows` times, each column bound by bind(statement, column, row).
@@ -49,6 +64,46 @@ inline void fill(sqlite3* db, const char* sql, int rows, int columns,
     sqlite3_reset(insert);
   }
   sqlite3_finalize(insert);
+}
+
+// Times Load of every row of the store into a Buffer state, checking the state's length.
+template <class Class, class... Top>
+void loadIntoBuffer(benchmark::State& state, const Store& s, std::size_t recordChars,
+                    std::size_t rows, Top... lTop) {
+  Class o;
+  std::size_t chars = 0;
+  for (auto _ : state) {
+    const std::u16string buffer = o.Load(u"", s.connect, lTop...);
+    chars = buffer.size();
+    benchmark::DoNotOptimize(buffer.data());
+  }
+  if (chars != 9u + recordChars * rows) state.SkipWithError("wrong state length");
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(rows));
+}
+
+// The baseline: the same rows read straight from SQLite into records, each filled by
+// read(statement, record).
+template <class Record, class Read>
+void plainSqliteIntoStructs(benchmark::State& state, const Store& s, const char* sql,
+                            std::size_t rows, Read read) {
+  std::vector<Record> records;
+  for (auto _ : state) {
+    sqlite3* db = nullptr;
+    sqlite3_open_v2(s.path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_stmt* select = nullptr;
+    sqlite3_prepare_v2(db, sql, -1, &select, nullptr);
+    records.clear();
+    while (sqlite3_step(select) == SQLITE_ROW) {
+      Record r{};
+      read(select, r);
+      records.push_back(r);
+    }
+    sqlite3_finalize(select);
+    sqlite3_close(db);
+    benchmark::DoNotOptimize(records.data());
+  }
+  if (records.size() != rows) state.SkipWithError("wrong row count");
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(rows));
 }
 
 }  // namespace vrdppo::bench

@@ -22,16 +22,11 @@ namespace {
 
 constexpr int kRows = 100000;
 
-using vrdppo::bench::exec;
 using vrdppo::bench::Store;
 
 // A store holding kRows degradation tests and kRows stations, made once per process.
 const Store& store() {
-  static const Store s = [] {
-    Store st = vrdppo::bench::freshStore("vrdppo-classes-bench.db");
-    sqlite3* db = nullptr;
-    sqlite3_open(st.path.c_str(), &db);
-    exec(db, "BEGIN");
+  static const Store s = vrdppo::bench::filledStore("vrdppo-classes-bench.db", [](sqlite3* db) {
     vrdppo::bench::fill(
         db,
         "INSERT INTO DEGRADATION (TestType, ProductionRunId, TestNumber, SampleTime, Weight, "
@@ -83,10 +78,7 @@ const Store& store() {
               break;
           }
         });
-    exec(db, "COMMIT");
-    sqlite3_close(db);
-    return st;
-  }();
+  });
   return s;
 }
 
@@ -106,113 +98,66 @@ double days(sqlite3_stmt* st, int column) {
 }
 
 void BM_LoadDegradationIntoBuffer(benchmark::State& state) {
-  const Store& s = store();
-  vrdppo::cDegradationPersist o;
-  std::size_t chars = 0;
-  for (auto _ : state) {
-    const std::u16string buffer = o.Load(u"", s.connect);
-    chars = buffer.size();
-    benchmark::DoNotOptimize(buffer.data());
-  }
-  if (chars != 9u + 127u * kRows) state.SkipWithError("wrong state length");
-  state.SetItemsProcessed(state.iterations() * kRows);
+  vrdppo::bench::loadIntoBuffer<vrdppo::cDegradationPersist>(state, store(), 127, kRows);
 }
 
 void BM_PlainSqliteDegradationIntoStructs(benchmark::State& state) {
-  const Store& s = store();
-  std::vector<vrdppo::DegradationRecord> rows;
-  for (auto _ : state) {
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(s.path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_stmt* select = nullptr;
-    sqlite3_prepare_v2(db,
-                       "SELECT DEGRADATIONID, TestType, ProductionRunId, TestNumber, "
-                       "julianday(SampleTime), Weight, Over1, OverHalf, FourXFour, EightXEight, "
-                       "StripOnPan, ThruQuarter, NonObj, ObjStem, StemOnPan FROM DEGRADATION",
-                       -1, &select, nullptr);
-    rows.clear();
-    while (sqlite3_step(select) == SQLITE_ROW) {
-      vrdppo::DegradationRecord r{};
-      r.DegradationId = sqlite3_column_int(select, 0);
-      r.TestType = sqlite3_column_int(select, 1);
-      r.ProductionRunId = sqlite3_column_int(select, 2);
-      r.TestNumber = sqlite3_column_int(select, 3);
-      r.SampleTime = vrdppo::Date{days(select, 4)};
-      // Weight and the ten fractions lie side by side.
-      for (int c = 5; c < 15; ++c) {
-        const double v = sqlite3_column_double(select, c);
-        std::memcpy(reinterpret_cast<char*>(&r) + offsetof(vrdppo::DegradationRecord, Weight) +
-                        static_cast<std::size_t>(c - 5) * sizeof v,
-                    &v, sizeof v);
-      }
-      rows.push_back(r);
-    }
-    sqlite3_finalize(select);
-    sqlite3_close(db);
-    benchmark::DoNotOptimize(rows.data());
-  }
-  if (rows.size() != kRows) state.SkipWithError("wrong row count");
-  state.SetItemsProcessed(state.iterations() * kRows);
+  vrdppo::bench::plainSqliteIntoStructs<vrdppo::DegradationRecord>(
+      state, store(),
+      "SELECT DEGRADATIONID, TestType, ProductionRunId, TestNumber, julianday(SampleTime), Weight, "
+      "Over1, OverHalf, FourXFour, EightXEight, StripOnPan, ThruQuarter, NonObj, ObjStem, "
+      "StemOnPan FROM DEGRADATION",
+      kRows, [](sqlite3_stmt* select, vrdppo::DegradationRecord& r) {
+        r.DegradationId = sqlite3_column_int(select, 0);
+        r.TestType = sqlite3_column_int(select, 1);
+        r.ProductionRunId = sqlite3_column_int(select, 2);
+        r.TestNumber = sqlite3_column_int(select, 3);
+        r.SampleTime = vrdppo::Date{days(select, 4)};
+        // Weight and the ten fractions lie side by side.
+        for (int c = 5; c < 15; ++c) {
+          const double v = sqlite3_column_double(select, c);
+          std::memcpy(reinterpret_cast<char*>(&r) + offsetof(vrdppo::DegradationRecord, Weight) +
+                          static_cast<std::size_t>(c - 5) * sizeof v,
+                      &v, sizeof v);
+        }
+      });
 }
 
 void BM_LoadStationIntoBuffer(benchmark::State& state) {
-  const Store& s = store();
-  vrdppo::cStationPersist o;
-  std::size_t chars = 0;
-  for (auto _ : state) {
-    const std::u16string buffer = o.Load(u"", s.connect, 0);
-    chars = buffer.size();
-    benchmark::DoNotOptimize(buffer.data());
-  }
-  if (chars != 9u + 216u * kRows) state.SkipWithError("wrong state length");
-  state.SetItemsProcessed(state.iterations() * kRows);
+  vrdppo::bench::loadIntoBuffer<vrdppo::cStationPersist>(state, store(), 216, kRows, 0);
 }
 
 void BM_PlainSqliteStationIntoStructs(benchmark::State& state) {
-  const Store& s = store();
-  std::vector<vrdppo::StationRecord> rows;
-  for (auto _ : state) {
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(s.path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_stmt* select = nullptr;
-    sqlite3_prepare_v2(db, "SELECT * FROM STATION", -1, &select, nullptr);
-    rows.clear();
-    while (sqlite3_step(select) == SQLITE_ROW) {
-      vrdppo::StationRecord r{};
-      r.StationId = sqlite3_column_int(select, 0);
-      text(select, 1, r.StationCode.c, 20);
-      text(select, 2, r.Description.c, 100);
-      text(select, 3, r.DeletedFlag.c, 1);
-      text(select, 4, r.ScannerPort.c, 5);
-      r.ScannerBaud = sqlite3_column_int(select, 5);
-      text(select, 6, r.ScannerParity.c, 1);
-      text(select, 7, r.ScannerData.c, 1);
-      text(select, 8, r.ScannerStop.c, 1);
-      text(select, 9, r.ScalePort.c, 5);
-      r.ScaleBaud = sqlite3_column_int(select, 10);
-      text(select, 11, r.ScaleParity.c, 1);
-      text(select, 12, r.ScaleData.c, 1);
-      text(select, 13, r.ScaleStop.c, 1);
-      r.TareTolerance = sqlite3_column_int(select, 14);
-      text(select, 15, r.RealTimeLabels.c, 1);
-      r.NotifyInterval = sqlite3_column_int(select, 16);
-      text(select, 17, r.DateTimeLabels.c, 1);
-      r.PrintDelay = sqlite3_column_int(select, 18);
-      text(select, 19, r.StationType.c, 2);
-      text(select, 20, r.AccessAllRuns.c, 1);
-      text(select, 21, r.VerifyBigBales.c, 1);
-      text(select, 22, r.ModelCode.c, 1);
-      r.cbGreenUnitTypeId = sqlite3_column_int(select, 23);
-      r.DefaultRecvLine = sqlite3_column_int(select, 24);
-      text(select, 25, r.DefaultRecvMode.c, 25);
-      rows.push_back(r);
-    }
-    sqlite3_finalize(select);
-    sqlite3_close(db);
-    benchmark::DoNotOptimize(rows.data());
-  }
-  if (rows.size() != kRows) state.SkipWithError("wrong row count");
-  state.SetItemsProcessed(state.iterations() * kRows);
+  vrdppo::bench::plainSqliteIntoStructs<vrdppo::StationRecord>(
+      state, store(), "SELECT * FROM STATION", kRows,
+      [](sqlite3_stmt* select, vrdppo::StationRecord& r) {
+        r.StationId = sqlite3_column_int(select, 0);
+        text(select, 1, r.StationCode.c, 20);
+        text(select, 2, r.Description.c, 100);
+        text(select, 3, r.DeletedFlag.c, 1);
+        text(select, 4, r.ScannerPort.c, 5);
+        r.ScannerBaud = sqlite3_column_int(select, 5);
+        text(select, 6, r.ScannerParity.c, 1);
+        text(select, 7, r.ScannerData.c, 1);
+        text(select, 8, r.ScannerStop.c, 1);
+        text(select, 9, r.ScalePort.c, 5);
+        r.ScaleBaud = sqlite3_column_int(select, 10);
+        text(select, 11, r.ScaleParity.c, 1);
+        text(select, 12, r.ScaleData.c, 1);
+        text(select, 13, r.ScaleStop.c, 1);
+        r.TareTolerance = sqlite3_column_int(select, 14);
+        text(select, 15, r.RealTimeLabels.c, 1);
+        r.NotifyInterval = sqlite3_column_int(select, 16);
+        text(select, 17, r.DateTimeLabels.c, 1);
+        r.PrintDelay = sqlite3_column_int(select, 18);
+        text(select, 19, r.StationType.c, 2);
+        text(select, 20, r.AccessAllRuns.c, 1);
+        text(select, 21, r.VerifyBigBales.c, 1);
+        text(select, 22, r.ModelCode.c, 1);
+        r.cbGreenUnitTypeId = sqlite3_column_int(select, 23);
+        r.DefaultRecvLine = sqlite3_column_int(select, 24);
+        text(select, 25, r.DefaultRecvMode.c, 25);
+      });
 }
 
 }  // namespace

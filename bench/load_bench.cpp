@@ -16,16 +16,11 @@ namespace {
 
 constexpr int kRows = 100000;
 
-using vrdppo::bench::exec;
 using vrdppo::bench::Store;
 
 // A store holding kRows stems, made once per process.
 const Store& store() {
-  static const Store s = [] {
-    Store st = vrdppo::bench::freshStore("vrdppo-bench.db");
-    sqlite3* db = nullptr;
-    sqlite3_open(st.path.c_str(), &db);
-    exec(db, "BEGIN");
+  static const Store s = vrdppo::bench::filledStore("vrdppo-bench.db", [](sqlite3* db) {
     sqlite3_stmt* insert = nullptr;
     sqlite3_prepare_v2(db,
                        "INSERT INTO STEMS (TotalNetWeight, ContainerStart, ContainerEnd, "
@@ -45,52 +40,24 @@ const Store& store() {
       sqlite3_reset(insert);
     }
     sqlite3_finalize(insert);
-    exec(db, "COMMIT");
-    sqlite3_close(db);
-    return st;
-  }();
+  });
   return s;
 }
 
 void BM_LoadStemsIntoBuffer(benchmark::State& state) {
-  const Store& s = store();
-  vrdppo::cStemsPersist stems;
-  std::size_t chars = 0;
-  for (auto _ : state) {
-    const std::u16string buffer = stems.Load(u"", s.connect);
-    chars = buffer.size();
-    benchmark::DoNotOptimize(buffer.data());
-  }
-  if (chars != 9u + 43u * kRows) state.SkipWithError("wrong state length");
-  state.SetItemsProcessed(state.iterations() * kRows);
+  vrdppo::bench::loadIntoBuffer<vrdppo::cStemsPersist>(state, store(), 43, kRows);
 }
 
-// The baseline: what the same rows cost read straight from SQLite into structs.
 void BM_PlainSqliteIntoStructs(benchmark::State& state) {
-  const Store& s = store();
-  std::vector<vrdppo::StemsRecord> rows;
-  for (auto _ : state) {
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(s.path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_stmt* select = nullptr;
-    sqlite3_prepare_v2(db, "SELECT * FROM STEMS", -1, &select, nullptr);
-    rows.clear();
-    while (sqlite3_step(select) == SQLITE_ROW) {
-      vrdppo::StemsRecord r{};
-      r.StemsId = sqlite3_column_int(select, 0);
-      r.TotalNetWeight = sqlite3_column_double(select, 1);
-      r.ContainerStart = sqlite3_column_int(select, 2);
-      r.ContainerEnd = sqlite3_column_int(select, 3);
-      r.StemTypeID = sqlite3_column_int(select, 4);
-      r.ProductionRunId = sqlite3_column_int(select, 5);
-      rows.push_back(r);
-    }
-    sqlite3_finalize(select);
-    sqlite3_close(db);
-    benchmark::DoNotOptimize(rows.data());
-  }
-  if (rows.size() != kRows) state.SkipWithError("wrong row count");
-  state.SetItemsProcessed(state.iterations() * kRows);
+  vrdppo::bench::plainSqliteIntoStructs<vrdppo::StemsRecord>(
+      state, store(), "SELECT * FROM STEMS", kRows, [](sqlite3_stmt* select, auto& r) {
+        r.StemsId = sqlite3_column_int(select, 0);
+        r.TotalNetWeight = sqlite3_column_double(select, 1);
+        r.ContainerStart = sqlite3_column_int(select, 2);
+        r.ContainerEnd = sqlite3_column_int(select, 3);
+        r.StemTypeID = sqlite3_column_int(select, 4);
+        r.ProductionRunId = sqlite3_column_int(select, 5);
+      });
 }
 
 void BM_CommitInsert(benchmark::State& state) {

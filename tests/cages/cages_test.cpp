@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "support/class_cases.hpp"
 #include "support/own_connection.hpp"
 #include "support/scripted_provider.hpp"
 #include "support/statements.hpp"
@@ -20,17 +21,11 @@ using vrdppo::testing::providerError;
 using vrdppo::testing::ScriptedProvider;
 using vrdppo::testing::Statements;
 using vrdppo::testing::statementsFor;
+using vrdppo::testing::TableCase;
 
 namespace {
 
 const std::u16string kConnect = u"DSN=plant";
-
-struct TableCase {
-  const char* name;
-  std::function<std::unique_ptr<TableObject>()> make;
-  std::function<std::u16string(Long key)> state;
-  Statements expected;
-};
 
 std::u16string emptyCage(Long key) {
   return newState<cCagePersist>([key](CageRecord& r) {
@@ -171,27 +166,12 @@ std::vector<TableCase> tableCases() {
   };
 }
 
-class Cages : public ::testing::Test {
- protected:
-  void TearDown() override { dbHelp::ConnectString.clear(); }
-  ScriptedProvider db;
-};
+using Cages = vrdppo::testing::ScriptedTest;
 
 }  // namespace
 
 TEST_F(Cages, TablesInsertUpdateAndDeleteByTheirLists) {
-  db.answerRows(u"sp_InsertStatement", {u"Identity"}, {{int32_t{12}}});
-  for (const auto& c : tableCases()) {
-    SCOPED_TRACE(c.name);
-    auto o = c.make();
-    ASSERT_TRUE(o->Commit(c.state(0), kConnect));
-    EXPECT_EQ(db.statements().back(), c.expected.insert);
-    EXPECT_EQ(o->GetState(), c.state(12));
-    ASSERT_TRUE(o->Commit(c.state(12), kConnect));
-    EXPECT_EQ(db.statements().back(), c.expected.update);
-    ASSERT_TRUE(o->Delete(c.state(12), kConnect));
-    EXPECT_EQ(db.statements().back(), c.expected.remove);
-  }
+  vrdppo::testing::expectInsertUpdateDelete(db, tableCases(), kConnect);
 }
 
 TEST_F(Cages, LoadsSendTheirSelects) {

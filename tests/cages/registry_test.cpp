@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "support/class_cases.hpp"
 #include "vrdppo/cages/cages.hpp"
 #include "vrdppo/cages/movements.hpp"
 #include "vrdppo/registry.hpp"
@@ -13,41 +14,13 @@ using namespace vrdppo;
 
 namespace {
 
-std::string memberList(const ClassInfo& info) {
-  std::string out;
-  for (const auto& m : info.members) {
-    if (!out.empty()) out += ' ';
-    if (!m.isPublic) out += '-';
-    out += m.name;
-  }
-  return out;
-}
-
-std::string twoSpellings(const ClassInfo& info) {
-  std::string out;
-  for (const auto& c : info.layout->columns) {
-    if (c.read != c.write) out += toUtf8(c.read) + '>' + toUtf8(c.write) + ' ';
-  }
-  return out;
-}
-
-const std::string kFirst =
-    "RecordToObj GetState -SetState InsertValues InsertFields UpdateFields -FieldValue Load "
-    "Commit Delete";
-const std::string kPlain = "RecordToObj GetState -SetState -FieldValue Load";
+const std::string& kFirst = vrdppo::testing::kFirstGenerationMembers;
+const std::string& kPlain = vrdppo::testing::kPlainViewMembers;
 
 }  // namespace
 
 TEST(CagesRegistry, EveryClassWithItsShape) {
-  struct Case {
-    const ClassInfo& info;
-    const char* source;
-    int bytes;
-    int chars;
-    std::u16string literal;
-    std::string members;
-    std::string spellings;
-  } cases[] = {
+  vrdppo::testing::expectShapes({
       {cCagePersist::info(), "CAGE", 140, 127, u"CageId", kFirst + " SendAlert", ""},
       {cCageStatusPersist::info(), "CAGESTATUS", 252, 130, u"CageStatusId", kFirst, ""},
       {cCageContentPersist::info(), "CAGECONTENT", 48, 33, u"CageContentId", kFirst, ""},
@@ -61,17 +34,7 @@ TEST(CagesRegistry, EveryClassWithItsShape) {
        "-FieldValue Load Commit Delete CriteriaDelete",
        ""},
       {cvCageLogPersist::info(), "VCAGELOG", 352, 230, u"", kPlain, ""},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.info.name);
-    EXPECT_EQ(registry::find(c.info.name), &c.info);
-    EXPECT_EQ(c.info.source, c.source);
-    EXPECT_EQ(c.info.layout->bytes, c.bytes);
-    EXPECT_EQ(c.info.layout->stateChars, c.chars);
-    EXPECT_EQ(c.info.layout->trailing.literal, c.literal);
-    EXPECT_EQ(memberList(c.info), c.members);
-    EXPECT_EQ(twoSpellings(c.info), c.spellings);
-  }
+  });
 }
 
 TEST(CagesRegistry, ExtraMembersTakeTheirArguments) {

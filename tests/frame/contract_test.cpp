@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "support/class_cases.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
@@ -30,11 +31,7 @@ std::u16string stem(Long key) {
   });
 }
 
-class Contract : public ::testing::Test {
- protected:
-  void TearDown() override { dbHelp::ConnectString.clear(); }
-  ScriptedProvider db;
-};
+using Contract = vrdppo::testing::ScriptedTest;
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "support/class_cases.hpp"
 #include "support/own_connection.hpp"
 #include "support/scripted_provider.hpp"
 #include "support/statements.hpp"
@@ -22,24 +23,13 @@ using vrdppo::testing::providerError;
 using vrdppo::testing::ScriptedProvider;
 using vrdppo::testing::Statements;
 using vrdppo::testing::statementsFor;
+using vrdppo::testing::TableCase;
 
 namespace {
 
 const std::u16string kConnect = u"DSN=plant";
 
-class GreenLeaf : public ::testing::Test {
- protected:
-  void TearDown() override { dbHelp::ConnectString.clear(); }
-  ScriptedProvider db;
-};
-
-// One record of each table class, as key 0 and as key 12, with the statements it must give.
-struct TableCase {
-  const char* name;
-  std::function<std::unique_ptr<TableObject>()> make;
-  std::function<std::u16string(Long key)> state;
-  Statements expected;
-};
+using GreenLeaf = vrdppo::testing::ScriptedTest;
 
 std::u16string receipt(Long key) {
   return newState<cGreenReceiptPersist>([key](GreenReceiptRecord& r) {
@@ -156,18 +146,7 @@ std::vector<TableCase> tableCases() {
 }  // namespace
 
 TEST_F(GreenLeaf, TablesInsertUpdateAndDeleteByTheirLists) {
-  db.answerRows(u"sp_InsertStatement", {u"Identity"}, {{int32_t{12}}});
-  for (const auto& c : tableCases()) {
-    SCOPED_TRACE(c.name);
-    auto o = c.make();
-    ASSERT_TRUE(o->Commit(c.state(0), kConnect));
-    EXPECT_EQ(db.statements().back(), c.expected.insert);
-    EXPECT_EQ(o->GetState(), c.state(12));  // the new key, and nothing else changed
-    ASSERT_TRUE(o->Commit(c.state(12), kConnect));
-    EXPECT_EQ(db.statements().back(), c.expected.update);
-    ASSERT_TRUE(o->Delete(c.state(12), kConnect));
-    EXPECT_EQ(db.statements().back(), c.expected.remove);
-  }
+  vrdppo::testing::expectInsertUpdateDelete(db, tableCases(), kConnect);
 }
 
 TEST_F(GreenLeaf, DoubleQuotesAreDoubledOnlyWhereTheClassDoesIt) {

@@ -2,9 +2,9 @@
 // their slots, and the columns spelled one way when read and another when written.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 
+#include "support/class_cases.hpp"
 #include "vrdppo/greenleaf/inventory.hpp"
 #include "vrdppo/greenleaf/physical.hpp"
 #include "vrdppo/greenleaf/receipts.hpp"
@@ -15,33 +15,14 @@ using namespace vrdppo;
 
 namespace {
 
-// Members in slot order, private ones marked with a leading "-".
-std::string memberList(const ClassInfo& info) {
-  std::string out;
-  for (const auto& m : info.members) {
-    if (!out.empty()) out += ' ';
-    if (!m.isPublic) out += '-';
-    out += m.name;
-  }
-  return out;
-}
-
-const std::string kFirst =
-    "RecordToObj GetState -SetState InsertValues InsertFields UpdateFields -FieldValue Load "
-    "Commit Delete";
-const std::string kPlain = "RecordToObj GetState -SetState -FieldValue Load";
+const std::string& kFirst = vrdppo::testing::kFirstGenerationMembers;
+const std::string& kPlain = vrdppo::testing::kPlainViewMembers;
+using vrdppo::testing::twoSpellings;
 
 }  // namespace
 
 TEST(GreenLeafRegistry, EveryClassWithItsShape) {
-  struct Case {
-    const ClassInfo& info;
-    const char* source;
-    int bytes;
-    int chars;
-    std::u16string literal;
-    std::string members;
-  } cases[] = {
+  vrdppo::testing::expectShapes({
       {cGreenReceiptPersist::info(), "GREENRECEIPT", 112, 94, u"GreenReceiptId",
        kFirst + " PostReceipts"},
       {cvGreenReceiptListPersist::info(), "VGREENRECEIPTLIST", 156, 104, u"", kPlain},
@@ -57,27 +38,12 @@ TEST(GreenLeafRegistry, EveryClassWithItsShape) {
        kFirst + " Clear"},
       {cvPrepPhysicalPersist::info(), "VPREPPHYSICAL", 100, 58, u"", kPlain},
       {cNewSeasonLogPersist::info(), "NEWSEASONLOG", 140, 76, u"NewSeasonLogId", kFirst},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.info.name);
-    EXPECT_EQ(registry::find(c.info.name), &c.info);
-    EXPECT_EQ(c.info.source, c.source);
-    EXPECT_EQ(c.info.layout->bytes, c.bytes);
-    EXPECT_EQ(c.info.layout->stateChars, c.chars);
-    EXPECT_EQ(c.info.layout->trailing.literal, c.literal);
-    EXPECT_EQ(memberList(c.info), c.members);
-    EXPECT_EQ(c.info.members.back().dispatchId,
-              kFirstDispatchId + static_cast<int>(c.info.members.size()) - 1);
-  }
+  });
 }
 
 TEST(GreenLeafRegistry, ReceiptReadsLowerCaseAndWritesMixedCase) {
   const auto& cols = cGreenReceiptPersist::info().layout->columns;
-  std::ostringstream pairs;
-  for (const auto& c : cols) {
-    if (c.read != c.write) pairs << toUtf8(c.read) << '>' << toUtf8(c.write) << ' ';
-  }
-  EXPECT_EQ(pairs.str(),
+  EXPECT_EQ(twoSpellings(cGreenReceiptPersist::info()),
             "receiptdate>ReceiptDate posted>Posted receipttype>ReceiptType "
             "togreengradeid>ToGreenGradeId weightremaining>WeightRemaining ");
   EXPECT_EQ(toUtf8(cols[0].read), "greenreceiptid");

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/class_cases.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
@@ -46,11 +47,7 @@ std::vector<std::u16string> sent(const ScriptedProvider& db) {
   return out;
 }
 
-class LabOperations : public ::testing::Test {
- protected:
-  void TearDown() override { dbHelp::ConnectString.clear(); }
-  ScriptedProvider db;
-};
+using LabOperations = vrdppo::testing::ScriptedTest;
 
 const std::u16string kPackedNotes =
     u"update LabPacked set sampletype = '999' from labpacked inner join ProductionGrade on "

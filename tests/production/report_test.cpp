@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "support/class_cases.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "support/class_cases.hpp"
 #include "support/own_connection.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "support/class_cases.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
@@ -28,22 +29,12 @@ std::u16string initialState(PersistObject& o) {
   return o.GetState();
 }
 
-class Statements : public ::testing::Test {
- protected:
-  void TearDown() override { dbHelp::ConnectString.clear(); }
-  ScriptedProvider db;
-};
+using Statements = vrdppo::testing::ScriptedTest;
 
 }  // namespace
 
 TEST_F(Statements, LayoutsMatchTheirTables) {
-  const struct {
-    const char* name;
-    int bytes;
-    int chars;
-    const char* source;
-    std::u16string_view literal;
-  } cases[] = {
+  vrdppo::testing::expectLayouts({
       {"cProductionRunPersist", 748, 420, "PRODUCTIONRUN", u""},
       {"cvProductionRunListPersist", 168, 106, "VPRODUCTIONRUNLIST", u""},
       {"cvProductionRunPrizingPersist", 652, 355, "VPRODUCTIONRUNPRIZING", u""},
@@ -72,21 +63,7 @@ TEST_F(Statements, LayoutsMatchTheirTables) {
       {"cvRunProdGreenGradesPersist", 68, 54, "VRUNPRODGREENGRADES", u""},
       {"cvRunRedriedGradeListPersist", 104, 66, "VRUNREDRIEDGRADELIST", u""},
       {"cvProdGreenGradeListPersist", 112, 63, "VPRODGREENGRADELIST", u""},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const ClassInfo* info = registry::find(c.name);
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->layout->bytes, c.bytes);
-    EXPECT_EQ(info->layout->stateChars, c.chars);
-    EXPECT_EQ(info->source, c.source);
-    auto o = info->create();
-    const std::u16string s = initialState(*o);
-    const TrailingField& t = info->layout->trailing;
-    const std::u16string trailing = s.substr(t.offset / 2, t.length);
-    EXPECT_EQ(trailing.substr(0, c.literal.size()), c.literal);
-    EXPECT_EQ(trailing.find_first_not_of(u' ', c.literal.size()), std::u16string::npos);
-  }
+  });
 }
 
 // The insert of a record as its initialiser leaves it shows each column's render code: which

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "support/class_cases.hpp"
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
@@ -28,22 +29,12 @@ std::u16string byProductsType(Long key, Long sort) {
   });
 }
 
-class Reference : public ::testing::Test {
- protected:
-  void TearDown() override { dbHelp::ConnectString.clear(); }
-  ScriptedProvider db;
-};
+using Reference = vrdppo::testing::ScriptedTest;
 
 }  // namespace
 
 TEST_F(Reference, LayoutsMatchTheirTables) {
-  const struct {
-    const char* name;
-    int bytes;
-    int chars;
-    const char* source;
-    std::u16string_view literal;
-  } cases[] = {
+  vrdppo::testing::expectLayouts({
       {"cStemClassPersist", 68, 36, "STEMCLASS", u"StemClassId"},
       {"cStemTypePersist", 196, 104, "STEMTYPE", u"StemTypeId"},
       {"cvStemTypeListPersist", 236, 124, "VSTEMTYPELIST", u""},
@@ -54,22 +45,7 @@ TEST_F(Reference, LayoutsMatchTheirTables) {
       {"cStationPersist", 412, 216, "STATION", u"StationId"},
       {"cProductionSettingsPersist", 1944, 1001, "PRODUCTIONSETTINGS", u"ProductionSettingsId"},
       {"cCalibrationPersist", 76, 67, "CALIBRATION", u"CalibrationId"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const ClassInfo* info = registry::find(c.name);
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->layout->bytes, c.bytes);
-    EXPECT_EQ(info->layout->stateChars, c.chars);
-    EXPECT_EQ(info->source, c.source);
-    auto o = info->create();
-    initialiseRecord(o->layout(), o->recordBytes());
-    const std::u16string s = o->GetState();
-    const TrailingField& t = info->layout->trailing;
-    const std::u16string trailing = s.substr(t.offset / 2, t.length);
-    EXPECT_EQ(trailing.substr(0, c.literal.size()), c.literal);
-    EXPECT_EQ(trailing.find_first_not_of(u' ', c.literal.size()), std::u16string::npos);
-  }
+  });
 }
 
 TEST_F(Reference, ListsUseTheWriteSpellings) {
