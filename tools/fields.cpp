@@ -22,12 +22,12 @@ int hexValue(char c) {
   return -1;
 }
 
+// Blanks, tabs and the line ends a file or a terminal leaves around a value.
 std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) {
-    s.remove_suffix(1);
-  }
-  return s;
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const auto first = s.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return s.substr(first, s.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::string shortestDouble(double v) {
@@ -71,12 +71,15 @@ std::vector<bool> coveredBytes(const RecordLayout& layout) {
 std::string escapeState(std::u16string_view state) {
   std::string out;
   out.reserve(state.size());
-  for (char16_t c : state) {
+  for (std::size_t i = 0; i < state.size(); ++i) {
+    const char16_t c = state[i];
+    // A blank at either end is escaped too: whoever reads the text back may trim it.
+    const bool blankAtEnd = c == u' ' && (i == 0 || i + 1 == state.size());
     if (c == u'\\') {
       out += "\\\\";
     } else if (c == u'"') {
       out += "\\\"";
-    } else if (c >= 0x20 && c < 0x7F) {
+    } else if (c >= 0x20 && c < 0x7F && !blankAtEnd) {
       out += static_cast<char>(c);
     } else {
       out += fmt::format("\\u{:04x}", static_cast<unsigned>(c));

@@ -39,8 +39,9 @@ Options:
   -h, --help          this text
 
 State text: a state is written as the body of a JSON string, ASCII only, every other UTF-16
-code unit as \uXXXX (a state's tail of U+0000 is \u0000 ...). It is lossless: any state
-decodes and encodes back to itself. decode shows a String*N without its trailing blanks, a
+code unit as \uXXXX (a state's tail of U+0000 is \u0000 ...), and a blank at either end as
+\u0020, so that trimming cannot shift it. It is lossless: any state decodes and encodes back
+to itself. decode shows a String*N without its trailing blanks, a
 Date as YYYY-MM-DD HH:MM:SS (or its day count where seconds do not hold it exactly), and the
 trailing field and any non-zero padding bytes as (trailing) and (unused).
 

@@ -1,0 +1,47 @@
+// The tool's text form of a state: whatever a state holds, its text reads back to the same code
+// units, also after the trimming a shell or a file may apply around it.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "fields.hpp"
+
+namespace {
+
+using vrdppo::cli::escapeState;
+using vrdppo::cli::unescapeState;
+
+TEST(StateText, BlanksAtEitherEndSurvive) {
+  // A Long field holding 32 starts its state with U+0020.
+  for (const std::u16string& s :
+       {std::u16string(u" "), std::u16string(u"  "), std::u16string(u" \0\0\0", 4),
+        std::u16string(u"ab "), std::u16string(u" a b ")}) {
+    const std::string text = escapeState(s);
+    EXPECT_EQ(unescapeState(text), s) << text;
+    EXPECT_EQ(unescapeState("  \"" + text + "\"\n"), s) << text;
+  }
+  EXPECT_EQ(escapeState(u" a b "), "\\u0020a b\\u0020");
+}
+
+TEST(StateText, RandomStatesRoundTrip) {
+  std::mt19937 rng(20261122);
+  // Mostly the code units states are made of: blanks, U+0000, ASCII, and the odd other one.
+  const std::u16string common = u" \0\\\"aZ09\n\t";
+  std::uniform_int_distribution<int> length(0, 64);
+  std::uniform_int_distribution<int> pick(0, 3);
+  std::uniform_int_distribution<int> any(0, 0xFFFF);
+  std::uniform_int_distribution<std::size_t> which(0, common.size() - 1);
+  for (int n = 0; n < 5000; ++n) {
+    std::u16string s(static_cast<std::size_t>(length(rng)), u'\0');
+    for (auto& c : s) {
+      c = pick(rng) == 0 ? static_cast<char16_t>(any(rng)) : common[which(rng)];
+    }
+    const std::string text = escapeState(s);
+    for (const unsigned char ch : text) ASSERT_TRUE(ch >= 0x20 && ch < 0x7F) << text;
+    ASSERT_EQ(unescapeState(text), s) << text;
+    ASSERT_EQ(unescapeState(" " + text + "\t"), s) << text;
+  }
+}
+
+}  // namespace
