@@ -39,6 +39,11 @@ std::size_t checkedLength(std::int64_t n) {
   return static_cast<std::size_t>(n);
 }
 
+// The 1-based position of record index: (index - 1) x L + 9, each step 32-bit.
+std::int32_t itemPosition(std::int32_t index, std::int16_t recordLength) {
+  return long32(std::int64_t{long32((std::int64_t{index} - 1) * recordLength)} + 9);
+}
+
 std::int32_t roundEven(double v) {
   return long32(static_cast<std::int64_t>(std::nearbyint(v)));
 }
@@ -178,12 +183,12 @@ BufferHeader readBufferHeader(std::u16string_view state) noexcept {
 
 std::u16string Buffer::Item(std::int32_t index) const {
   if (index < 1 || index > count_) return {};
-  return mid(text_, (std::int64_t{index} - 1) * recordLength_ + 9, recordLength_);
+  return mid(text_, itemPosition(index, recordLength_), recordLength_);
 }
 
 void Buffer::Item(std::int32_t index, std::u16string_view record) {
   if (index < 1 || index > count_) return;
-  overwrite(text_, (std::int64_t{index} - 1) * recordLength_ + 9, recordLength_, record);
+  overwrite(text_, itemPosition(index, recordLength_), recordLength_, record);
 }
 
 void Buffer::CurrentItem(std::int32_t index) noexcept {
@@ -207,8 +212,10 @@ std::int32_t Buffer::ExtractPage(std::int32_t size, std::int32_t& page) {
     last = size;
   }
   if (last > count_) last = count_;
-  text_ = mid(text_, std::int64_t{first} * recordLength_ + 1,
-              (std::int64_t{last} + 1 - first) * recordLength_);
+  const std::int32_t start = long32(std::int64_t{long32(std::int64_t{first} * recordLength_)} + 1);
+  const std::int32_t span =
+      long32(std::int64_t{long32(std::int64_t{last} + 1 - first)} * recordLength_);
+  text_ = mid(text_, start, span);
   count_ = last - first;
   currentItem_ = 1;
   currentPage_ = page;
@@ -218,9 +225,9 @@ std::int32_t Buffer::ExtractPage(std::int32_t size, std::int32_t& page) {
 std::int32_t Buffer::RemoveRange(std::int32_t first, std::int32_t last) {
   if (!(first <= last && last < count_)) return 0;
   if (first < 0) return 0;
-  const std::u16string l = left(text_, std::int64_t{recordLength_} * first);
-  const std::u16string r = right(text_, static_cast<std::int64_t>(text_.size()) -
-                                            (std::int64_t{last} + 1) * std::int64_t{recordLength_});
+  const std::u16string l = left(text_, long32(std::int64_t{recordLength_} * first));
+  const std::int32_t kept = long32(std::int64_t{long32(std::int64_t{last} + 1)} * recordLength_);
+  const std::u16string r = right(text_, long32(static_cast<std::int64_t>(text_.size()) - kept));
   text_ = l + r;
   const std::int32_t removed = last - first + 1;
   count_ -= removed;

@@ -210,10 +210,11 @@ void cvProductionGradeListPersist::ProcessingResults(Long lSeason, const std::u1
     connection.setCommandTimeout(300);
     // ConnectString as the thread has it: sConnect is not used, nor the built-in default.
     connection.Open(dbHelp::ConnectString, {}, {}, adOptionUnspecified);
-    // sCompanies goes between the quotes as given; whole days from the first to the last.
+    // sCompanies goes between the quotes as given; whole days from the first to the last. The
+    // fixed times are part of the format, so their separators follow the locale as the date's do.
     connection.Execute(u"qsp_LabProcessingResults " + longText(lSeason) + u", '" + sCompanies +
-                           u"','" + formatDate(dtFromDate, u"yyyy/MM/dd") + u" 00:00:00','" +
-                           formatDate(dtToDate, u"yyyy/MM/dd") + u" 23:59:59'",
+                           u"','" + formatDate(dtFromDate, u"yyyy/MM/dd 00:00:00") + u"','" +
+                           formatDate(dtToDate, u"yyyy/MM/dd 23:59:59") + u"'",
                        adOptionUnspecified);
     connection.Close();
   } catch (...) {

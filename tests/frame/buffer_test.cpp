@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "support/error_number.hpp"
 
 #include "vrdppo/buffer.hpp"
@@ -171,4 +173,36 @@ TEST(Buffer, RemoveAndRemoveRangeIgnoreTheHeader) {
   EXPECT_EQ(r.CurrentItem(), 1);
   EXPECT_EQ(r.RemoveRange(1), 0);  // a left-out last is 0, and 1 <= 0 fails
   EXPECT_EQ(before.size(), 25u);
+}
+
+// A crafted header (L = 30000, count = 100000) on a short text: the positions computed from it
+// leave 32 bits, and each member raises the overflow error as every other sum and product does.
+TEST(Buffer, PositionsFromACraftedHeaderOverflow) {
+  std::u16string state(8, u'\0');
+  state[0] = 30000;                                   // L
+  state[6] = static_cast<char16_t>(100000 & 0xFFFF);  // count, low and high halves
+  state[7] = static_cast<char16_t>(100000 >> 16);
+  state += std::u16string(100, u'x');
+  const struct {
+    const char* member;
+    std::function<void(Buffer&)> call;
+  } cases[] = {
+      {"Item read", [](Buffer& b) { b.Item(100000); }},
+      {"Item write", [](Buffer& b) { b.Item(100000, u"y"); }},
+      {"RemoveRange", [](Buffer& b) { b.RemoveRange(90000, 99999); }},
+      {"ExtractPage",
+       [](Buffer& b) {
+         std::int32_t page = 2;
+         b.ExtractPage(90000, page);
+       }},
+  };
+  for (const auto& c : cases) {
+    Buffer b;
+    b.SetState(state);
+    EXPECT_EQ(numberOf([&] { c.call(b); }), err::kOverflow) << c.member;
+  }
+  // Within 32 bits the same header reads an empty string past the text, as before.
+  Buffer b;
+  b.SetState(state);
+  EXPECT_EQ(b.Item(2), u"");
 }

@@ -8,6 +8,7 @@
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/locale.hpp"
 #include "vrdppo/reference/grades.hpp"
 
 using namespace vrdppo;
@@ -126,4 +127,16 @@ TEST_F(Report, MembersFollowTheContract) {
   EXPECT_EQ(m[m.size() - 1].name, "ProcessingResults");
   EXPECT_EQ(m[m.size() - 1].args[2].type, ValueType::Date);
   EXPECT_EQ(info.member("Load")->dispatchId, 0x60030004);
+}
+
+// The fixed times are formatted with the dates, so they follow the locale's separators too.
+TEST_F(Report, ProcessingResultsTimesFollowTheLocale) {
+  LocaleSeparators& sep = threadSeparators();
+  const LocaleSeparators saved = sep;
+  sep.date = u'-';
+  sep.time = u'.';
+  processingResults();
+  sep = saved;
+  EXPECT_EQ(db.statements().back(),
+            u"qsp_LabProcessingResults 2019, 'A,B','2019-03-01 00.00.00','2019-03-31 23.59.59'");
 }
