@@ -29,6 +29,8 @@ Class classify(int extended, std::string_view message) {
         return {err::kCommandError, "42000", native::kAmbiguousColumn};
       if (startsWith(message, "no such function"))
         return {err::kCommandError, "42000", native::kUnknownFunction};
+      if (startsWith(message, "not authorized"))  // a function the confinement refuses
+        return {err::kCommandError, "42000", native::kPermissionDenied};
       if (startsWith(message, "Conversion failed"))
         return {err::kCommandError, "22018", native::kConversion};
       if (message.find("syntax error") != std::string_view::npos ||
@@ -56,10 +58,12 @@ Class classify(int extended, std::string_view message) {
       return {err::kCommandError, "22001", 0};
     case SQLITE_INTERRUPT:
       return {err::kCommandError, "HY008", 0};
+    case SQLITE_AUTH:
+      // Refused by the store's confinement to its file: a permission the server denies.
+      return {err::kCommandError, "42000", native::kPermissionDenied};
     case SQLITE_CANTOPEN:
     case SQLITE_NOTADB:
     case SQLITE_PERM:
-    case SQLITE_AUTH:
       return {err::kProviderFailure, "08001", 0};
     case SQLITE_IOERR:
     case SQLITE_CORRUPT:
@@ -90,9 +94,12 @@ Error syntaxErrorNear(std::u16string_view text) {
 }
 
 Error sqliteError(sqlite3* db, int rc) {
-  const std::string_view message = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
+  std::string_view message = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
   const int extended = db ? sqlite3_extended_errcode(db) : rc;
   const Class c = classify(extended, message);
+  if (c.nativeError == native::kPermissionDenied) {
+    message = "Permission denied: a statement may not reach outside the store's file.";
+  }
   return storeError(c.number, message, c.sqlState, c.nativeError ? c.nativeError : extended);
 }
 

@@ -26,6 +26,7 @@ inline constexpr std::int32_t kMissingParameter = 201;
 inline constexpr std::int32_t kTooManyArguments = 8144;
 inline constexpr std::int32_t kUnknownProcedure = 2812;
 inline constexpr std::int32_t kConversion = 241;
+inline constexpr std::int32_t kPermissionDenied = 229;
 }  // namespace native
 
 // An error of the store: the prefix, then the message.

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <mutex>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -77,6 +78,46 @@ void applySchema(sqlite3* db, const std::string& path) {
   }
 }
 
+// Statements of a connection may do anything inside its database, as on a server, and nothing
+// outside it: no other file attached (VACUUM INTO attaches its target too), no extension loaded,
+// no setting of the file changed. The pragmas left are those that only read.
+int confineToTheFile(void*, int action, const char* a1, const char* a2, const char*, const char*) {
+  const std::string_view arg1 = a1 ? a1 : "";
+  switch (action) {
+    case SQLITE_ATTACH:
+      // A plain VACUUM attaches a nameless temporary database of its own.
+      return arg1.empty() ? SQLITE_OK : SQLITE_DENY;
+    case SQLITE_DETACH:
+      return SQLITE_DENY;
+    case SQLITE_FUNCTION: {
+      const std::string_view fn = a2 ? a2 : "";
+      return fn == "load_extension" || fn == "fts3_tokenizer" ? SQLITE_DENY : SQLITE_OK;
+    }
+    case SQLITE_PRAGMA: {
+      // Pragmas that take the name of a table or index and only describe it.
+      static constexpr std::string_view kDescribing[] = {
+          "table_info",  "table_xinfo",      "table_list",        "index_list",      "index_info",
+          "index_xinfo", "foreign_key_list", "foreign_key_check", "integrity_check", "quick_check"};
+      // Pragmas that only read when given no value.
+      static constexpr std::string_view kReading[] = {
+          "user_version", "schema_version",  "application_id", "data_version",   "page_count",
+          "page_size",    "freelist_count",  "encoding",       "journal_mode",   "synchronous",
+          "foreign_keys", "compile_options", "database_list",  "collation_list", "function_list",
+          "module_list",  "pragma_list"};
+      for (const auto name : kDescribing) {
+        if (arg1 == name) return SQLITE_OK;
+      }
+      if (a2) return SQLITE_DENY;
+      for (const auto name : kReading) {
+        if (arg1 == name) return SQLITE_OK;
+      }
+      return SQLITE_DENY;
+    }
+    default:
+      return SQLITE_OK;
+  }
+}
+
 }  // namespace
 
 ConnectionHandle openConnection(const std::string& path, const Session* session) {
@@ -93,6 +134,8 @@ ConnectionHandle openConnection(const std::string& path, const Session* session)
   if (rc == SQLITE_OK) rc = registerFunctions(raw, session);
   if (rc == SQLITE_OK)
     rc = sqlite3_exec(raw, "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
+  // The connection that prepares the file sets it up; every other one runs statements.
+  if (rc == SQLITE_OK && session) rc = sqlite3_set_authorizer(raw, confineToTheFile, nullptr);
   if (rc != SQLITE_OK) failOpen(raw, path, rc);
   return db;
 }
