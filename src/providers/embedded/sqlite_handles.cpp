@@ -25,6 +25,58 @@ namespace {
 
 }  // namespace
 
+std::string sqliteText(std::u16string_view sql) {
+  std::string out;
+  out.reserve(sql.size() + 16);
+  // Where position i stands; only a string literal may hold U+0000.
+  enum class In { Code, Literal, Quoted, Bracketed, LineComment, BlockComment } in = In::Code;
+  std::size_t from = 0;  // start of the stretch not yet converted
+  for (std::size_t i = 0; i < sql.size(); ++i) {
+    const char16_t c = sql[i];
+    const char16_t next = i + 1 < sql.size() ? sql[i + 1] : u'\0';
+    switch (in) {
+      case In::Code:
+        if (c == u'\'') in = In::Literal;
+        if (c == u'"' || c == u'`') in = In::Quoted;
+        if (c == u'[') in = In::Bracketed;
+        if (c == u'-' && next == u'-') in = In::LineComment;
+        if (c == u'/' && next == u'*') in = In::BlockComment;
+        break;
+      case In::Literal:
+        if (c == u'\'' && next == u'\'') {
+          ++i;  // a doubled quote stays inside
+        } else if (c == u'\'') {
+          in = In::Code;
+        }
+        break;
+      case In::Quoted:
+        if (c == u'"' || c == u'`') in = In::Code;
+        break;
+      case In::Bracketed:
+        if (c == u']') in = In::Code;
+        break;
+      case In::LineComment:
+        if (c == u'\n') in = In::Code;
+        break;
+      case In::BlockComment:
+        if (c == u'*' && next == u'/') {
+          ++i;
+          in = In::Code;
+        }
+        break;
+    }
+    if (c != u'\0') continue;
+    if (in != In::Literal) {
+      throw syntaxError(u"Incorrect syntax: the statement holds U+0000 outside a string literal.");
+    }
+    out += toUtf8(sql.substr(from, i - from));
+    out += "'||char(0)||'";
+    from = i + 1;
+  }
+  out += toUtf8(sql.substr(from));
+  return out;
+}
+
 Statement::Statement(sqlite3* db, std::string_view sql, Purpose purpose)
     : db_(db), purpose_(purpose) {
   if (purpose == Purpose::Setup) text_ = sql;
@@ -33,12 +85,7 @@ Statement::Statement(sqlite3* db, std::string_view sql, Purpose purpose)
 }
 
 Statement::Statement(sqlite3* db, std::u16string_view sql, Purpose purpose)
-    : db_(db), purpose_(purpose) {
-  if (purpose == Purpose::Setup) text_ = toUtf8(sql);
-  const int rc =
-      sqlite3_prepare16_v3(db, sql.data(), static_cast<int>(sql.size() * 2), 0, &st_, nullptr);
-  if (rc != SQLITE_OK) fail(rc);
-}
+    : Statement(db, std::string_view(sqliteText(sql)), purpose) {}
 
 Statement::~Statement() {
   // finalize repeats the last step's error, which step has already raised.
@@ -81,9 +128,9 @@ void Statement::bind(int index, const Variant& v) {
       return;
     }
     case VarType::String:
-      rc = sqlite3_bind_text16(st_, index, v.str().data(), static_cast<int>(v.str().size() * 2),
-                               SQLITE_TRANSIENT);
-      break;
+      // As UTF-8, so that a lone surrogate becomes U+FFFD as in statement texts.
+      bindText(index, toUtf8(v.str()));
+      return;
     case VarType::Decimal:
       bindText(index, v.decimal().text);
       return;

@@ -58,6 +58,12 @@ class Statement {
   std::string text_;  // kept for set-up statements, to name them when they fail
 };
 
+// A statement's text as SQLite reads it. SQLite stops at the first U+0000 and its UTF-16 reader
+// pairs a lone surrogate with whatever follows, so the text goes as UTF-8 (a lone surrogate
+// becoming U+FFFD), with each U+0000 of a string literal joined in as char(0). U+0000 elsewhere
+// would cut the statement short: it raises a syntax error.
+std::string sqliteText(std::u16string_view sql);
+
 // Runs statements that yield nothing (set-up and transaction control); a failure raises as
 // purpose says.
 void execute(sqlite3* db, std::string_view sql, Purpose purpose = Purpose::Client);

@@ -118,6 +118,17 @@ std::string firstSqlState(const Handle& handle) {
 
 std::vector<SQLWCHAR> wide(std::u16string_view text) {
   std::vector<SQLWCHAR> out(text.begin(), text.end());
+  // A lone surrogate becomes U+FFFD, as the embedded store makes it: drivers that convert to
+  // UTF-8 would otherwise pair it with whatever follows or refuse the text.
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    const bool high = out[i] >= 0xD800 && out[i] <= 0xDBFF;
+    const bool low = out[i] >= 0xDC00 && out[i] <= 0xDFFF;
+    if (high && i + 1 < out.size() && out[i + 1] >= 0xDC00 && out[i + 1] <= 0xDFFF) {
+      ++i;  // a pair
+    } else if (high || low) {
+      out[i] = 0xFFFD;
+    }
+  }
   out.push_back(0);
   return out;
 }
