@@ -300,4 +300,18 @@ std::u16string buildState(const RecordLayout& layout, const std::vector<Assignme
   return state;
 }
 
+std::string errorText(const Error& e) {
+  std::string out = "error ";
+  // Runtime errors are small numbers; a provider's are HRESULTs, negative as 32-bit integers.
+  out += e.number() < 0 ? fmt::format("0x{:08X}", static_cast<std::uint32_t>(e.number()))
+                        : std::to_string(e.number());
+  out += ": " + e.description();
+  if (!e.sqlState().empty()) {
+    out += fmt::format(" (SQLSTATE {}, native {})", e.sqlState(), e.nativeError());
+  }
+  out += "\n";
+  if (!e.statement().empty()) out += "  in the statement: " + toUtf8(e.statement()) + "\n";
+  return out;
+}
+
 }  // namespace vrdppo::cli

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "vrdppo/error.hpp"
 #include "vrdppo/record.hpp"
 #include "vrdppo/registry.hpp"
 
@@ -45,5 +46,10 @@ Assignment parseAssignment(std::string_view text);  // throws std::invalid_argum
 
 // A state from the initialiser's record with the assignments applied.
 std::u16string buildState(const RecordLayout& layout, const std::vector<Assignment>& sets);
+
+// An error for a person, one or more lines: its number (in hex where it is a provider's
+// HRESULT, as the documentation lists them), its text, its SQLSTATE and native number, and the
+// statement that failed.
+std::string errorText(const Error& e);
 
 }  // namespace vrdppo::cli

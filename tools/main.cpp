@@ -45,8 +45,9 @@ to itself. decode shows a String*N without its trailing blanks, a
 Date as YYYY-MM-DD HH:MM:SS (or its day count where seconds do not hold it exactly), and the
 trailing field and any non-zero padding bytes as (trailing) and (unused).
 
-Exit status: 0 on success, 1 on an error of the library or the database (its number and text
-on standard error), 2 on a usage error.
+Exit status: 0 on success, 1 on an error of the library or the database (on standard error its
+number, in hex where it is a provider's, its text, SQLSTATE and native number, and the statement
+that failed), 2 on a usage error.
 )";
 
 vrdppo::cli::Options parse(int argc, char** argv, int first) {
@@ -105,9 +106,7 @@ int main(int argc, char** argv) {
     std::cerr << "vrdppo: " << e.what() << "\n";
     return 2;
   } catch (const vrdppo::Error& e) {
-    std::cerr << "vrdppo: error " << e.number() << ": " << e.description();
-    if (!e.sqlState().empty()) std::cerr << " (SQLSTATE " << e.sqlState() << ")";
-    std::cerr << "\n";
+    std::cerr << "vrdppo: " << vrdppo::cli::errorText(e);
     return 1;
   }
 }

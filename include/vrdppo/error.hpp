@@ -39,6 +39,10 @@ class Error : public std::runtime_error {
   const std::string& source() const noexcept { return source_; }
   const std::string& sqlState() const noexcept { return sqlState_; }
   std::int32_t nativeError() const noexcept { return nativeError_; }
+  // The statement whose execution failed, as the connection was given it; empty for an error
+  // that no statement raised.
+  const std::u16string& statement() const noexcept { return statement_; }
+  void setStatement(std::u16string statement) { statement_ = std::move(statement); }
 
   // The platform's standard error of that number, with its standard text.
   static Error runtime(std::int32_t number);
@@ -49,6 +53,7 @@ class Error : public std::runtime_error {
   std::string source_;
   std::string sqlState_;
   std::int32_t nativeError_;
+  std::u16string statement_;
 };
 
 // The standard text of a runtime or recordset error number, empty when unknown.

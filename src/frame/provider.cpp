@@ -110,7 +110,13 @@ void Connection::Open(const std::u16string& connect, const std::u16string& user,
 
 std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql, int options) {
   if (!open_) throw Error::runtime(err::kObjectClosed);
-  return impl_->execute(sql, options);
+  try {
+    return impl_->execute(sql, options);
+  } catch (Error& e) {
+    // Every statement of the library passes here: the one place to say which of them failed.
+    if (e.statement().empty()) e.setStatement(sql);
+    throw;
+  }
 }
 
 void Connection::Close() {

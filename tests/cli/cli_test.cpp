@@ -114,7 +114,12 @@ TEST(Cli, CommitLoadDeleteOnTheDefaultStore) {
   EXPECT_NE(table.out.find("(1 record)"), std::string::npos) << table.out;  // soft: still there
   const Result missing = run("load cStemsPersist --arg 'sCriteria=NoSuchColumn = 1'");
   EXPECT_EQ(missing.status, 1);
-  EXPECT_NE(missing.out.find("error -2147217900"), std::string::npos) << missing.out;
+  // A provider's number in hex, its SQLSTATE and native number, and the statement that failed.
+  EXPECT_NE(missing.out.find("error 0x80040E14: [vrdppo.Embedded]no such column: NoSuchColumn "
+                             "(SQLSTATE 42S22, native 207)\n"
+                             "  in the statement: SELECT * FROM STEMS WHERE NoSuchColumn = 1\n"),
+            std::string::npos)
+      << missing.out;
 }
 
 TEST(Cli, ClassesAndHelp) {

@@ -82,22 +82,27 @@ TEST_F(Gateway, FailuresRaiseTheProvidersErrorAndReleaseTheConnection) {
     const char* where;
     std::function<void(ScriptedProvider&)> arm;
     std::vector<std::string> log;
+    std::u16string statement;  // the one the error names
   } cases[] = {
       {"open",
        [](ScriptedProvider& p) { p.failOpen(providerError("[x] login failed")); },
-       {"create", "cursor 3", "open DSN=plant|||-1", "release"}},
+       {"create", "cursor 3", "open DSN=plant|||-1", "release"},
+       u""},
       {"quoted identifier",
        [](ScriptedProvider& p) { p.failExecute(u"QUOTED", providerError("[x] no")); },
        {"create", "cursor 3", "open DSN=plant|||-1", "execute SET QUOTED_IDENTIFIER OFF|-1",
-        "release"}},
+        "release"},
+       u"SET QUOTED_IDENTIFIER OFF"},
       {"statement",
        [](ScriptedProvider& p) { p.failExecute(u"SELECT", providerError("[x] bad")); },
        {"create", "cursor 3", "open DSN=plant|||-1", "execute SET QUOTED_IDENTIFIER OFF|-1",
-        "timeout 0", "execute SELECT * FROM T|-1", "release"}},
+        "timeout 0", "execute SELECT * FROM T|-1", "release"},
+       u"SELECT * FROM T"},
       {"close",
        [](ScriptedProvider& p) { p.failClose(providerError("[x] gone")); },
        {"create", "cursor 3", "open DSN=plant|||-1", "execute SET QUOTED_IDENTIFIER OFF|-1",
-        "timeout 0", "execute SELECT * FROM T|-1", "close", "release"}},
+        "timeout 0", "execute SELECT * FROM T|-1", "close", "release"},
+       u""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.where);
@@ -109,6 +114,7 @@ TEST_F(Gateway, FailuresRaiseTheProvidersErrorAndReleaseTheConnection) {
     } catch (const Error& e) {
       EXPECT_EQ(e.number(), err::kCommandError);
       EXPECT_EQ(e.sqlState(), "42000");
+      EXPECT_EQ(e.statement(), c.statement);
     }
     EXPECT_EQ(p.log(), c.log);
   }
