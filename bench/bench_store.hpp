@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "providers/embedded/embedded_store.hpp"
+#include "vrdppo/embedded_store.hpp"
 
 namespace vrdppo::bench {
 

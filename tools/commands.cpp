@@ -7,9 +7,9 @@
 
 #include <fmt/format.h>
 
-#include "providers/embedded/embedded_store.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
+#include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/render.hpp"

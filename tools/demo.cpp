@@ -8,8 +8,8 @@
 #include <fmt/format.h>
 
 #include "commands.hpp"
-#include "providers/embedded/embedded_store.hpp"
 #include "vrdppo/dbhelp.hpp"
+#include "vrdppo/embedded_store.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo::cli {

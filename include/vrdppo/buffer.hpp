@@ -6,6 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "vrdppo/visibility.hpp"
+
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 class Buffer {
@@ -60,3 +63,4 @@ struct BufferHeader {
 BufferHeader readBufferHeader(std::u16string_view state) noexcept;
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

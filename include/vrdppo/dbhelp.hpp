@@ -6,7 +6,9 @@
 #include <string>
 
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo::dbHelp {
 
 // Per-thread session data. Only ConnectString is written by the library (by every operation
@@ -29,3 +31,4 @@ std::u16string ReplaceAll(const std::u16string& sSource, const std::u16string& s
                           const std::u16string& sReplace);
 
 }  // namespace vrdppo::dbHelp
+VRDPPO_PUBLIC_END

@@ -5,6 +5,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "vrdppo/visibility.hpp"
+
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 // Numbers of the runtime and recordset errors the library raises itself.
@@ -60,3 +63,4 @@ class Error : public std::runtime_error {
 const char* standardErrorText(std::int32_t number) noexcept;
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

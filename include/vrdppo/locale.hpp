@@ -2,6 +2,9 @@
 // them; a client (or a test) may, and the texts then follow as the platform's would.
 #pragma once
 
+#include "vrdppo/visibility.hpp"
+
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 struct LocaleSeparators {
@@ -13,3 +16,4 @@ struct LocaleSeparators {
 LocaleSeparators& threadSeparators() noexcept;
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

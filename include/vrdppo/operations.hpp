@@ -6,7 +6,9 @@
 #include <utility>
 
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 // Runs sql through the gateway and closes the recordset when it is open.
@@ -32,3 +34,4 @@ inline ArgInfo dateArg(std::string name, bool byRef = true) {
 }
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

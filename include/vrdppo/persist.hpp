@@ -11,7 +11,9 @@
 #include "vrdppo/record.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/render.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 struct ClassInfo;
@@ -184,3 +186,4 @@ std::u16string newState(F set) {
 }
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -8,7 +8,9 @@
 #include <string_view>
 
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 inline constexpr int adUseClient = 3;
@@ -88,3 +90,4 @@ class Connection {
 std::u16string connectionValue(std::u16string_view connect, std::u16string_view key);
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -10,7 +10,9 @@
 #include <string_view>
 
 #include "vrdppo/variant.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 using Long = std::int32_t;
@@ -139,6 +141,7 @@ consteval RecordLayout makeLayout(const Column (&columns)[N], TrailingField trai
 }
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END
 
 // A column spelled alike when read and written.
 #define VRDPPO_COL(Rec, member, offset, render)                               \

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "vrdppo/variant.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 // ADO's object states.
@@ -70,3 +72,4 @@ class Recordset {
 bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept;
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

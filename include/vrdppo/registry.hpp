@@ -13,7 +13,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/variant.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 inline constexpr std::int32_t kFirstDispatchId = 0x60030000;
@@ -130,3 +132,4 @@ Variant invoke(PersistObject& object, std::int32_t dispatchId, std::span<const V
 }  // namespace registry
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

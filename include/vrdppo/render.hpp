@@ -7,7 +7,9 @@
 
 #include "vrdppo/record.hpp"
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 // The SQL text of one column of a record by its render code; "NULL" for a column without one.
@@ -35,3 +37,4 @@ void storeField(const Column& column, std::byte* record, const Variant& value);
 Variant fieldValue(const Column& column, const std::byte* record);
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "vrdppo/visibility.hpp"
+
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 // Lone surrogates become U+FFFD; invalid UTF-8 bytes likewise.
@@ -17,3 +20,4 @@ std::u16string ascii(std::string_view s);
 std::u16string_view trimBlanks(std::u16string_view s) noexcept;
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

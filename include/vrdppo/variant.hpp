@@ -7,6 +7,9 @@
 #include <string_view>
 #include <variant>
 
+#include "vrdppo/visibility.hpp"
+
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 // Ten-thousandths of a unit, as a 64-bit count.
@@ -133,3 +136,4 @@ std::u16string currencyText(Currency v);
 std::u16string dateText(Date d);  // the platform's general date form
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -2,8 +2,8 @@
 
 #include <mutex>
 
-#include "providers/embedded/embedded_store.hpp"
 #include "providers/odbc/odbc_provider.hpp"
+#include "vrdppo/embedded_store.hpp"
 
 namespace vrdppo {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "../../src/providers/embedded/embedded_store.hpp"
+#include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/recordset.hpp"

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "providers/embedded/embedded_store.hpp"
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
+#include "vrdppo/embedded_store.hpp"
 #include "vrdppo/persist.hpp"
 #include "vrdppo/render.hpp"
 #include "vrdppo/text.hpp"

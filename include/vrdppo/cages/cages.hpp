@@ -6,7 +6,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -93,3 +95,4 @@ class cvCageContentPersist final : public ViewPersist<CageContentViewRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

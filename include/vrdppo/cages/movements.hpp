@@ -6,7 +6,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -113,3 +115,4 @@ class cvCageLogPersist final : public ViewPersist<CageLogViewRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

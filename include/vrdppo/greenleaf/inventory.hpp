@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -134,3 +136,4 @@ class cvProcessGreenPersist final : public ViewPersist<ProcessGreenRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

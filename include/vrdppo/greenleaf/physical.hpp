@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -67,3 +69,4 @@ class cNewSeasonLogPersist final : public TablePersist<NewSeasonLogRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

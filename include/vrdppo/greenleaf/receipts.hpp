@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -68,3 +70,4 @@ class cvGreenReceiptListPersist final : public ViewPersist<GreenReceiptListRecor
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -105,3 +107,4 @@ class cvLabPackedChinaExportPersist final : public ViewPersist<LabPackedChinaExp
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

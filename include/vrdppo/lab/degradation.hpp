@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -96,3 +98,4 @@ class cLabDegSumPersist final : public TablePersist<LabDegSumRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -184,3 +186,4 @@ class cvLabForeignBalePersist final : public ViewPersist<LabForeignBaleRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -205,3 +207,4 @@ class cLabGreenMoistSumPersist final : public TablePersist<LabGreenMoistSumRecor
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

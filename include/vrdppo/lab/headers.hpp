@@ -6,7 +6,9 @@
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
 #include "vrdppo/variant.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -75,3 +77,4 @@ class cvLabWorkListPersist final : public ViewPersist<LabWorkListRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

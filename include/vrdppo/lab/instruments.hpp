@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -157,3 +159,4 @@ class cLabBiasPersist final : public TablePersist<LabBiasRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

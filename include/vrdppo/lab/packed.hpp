@@ -6,7 +6,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -125,3 +127,4 @@ class cLabPackedSumPersist final : public TablePersist<LabPackedSumRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -142,3 +144,4 @@ class cvLabSettingListPersist final : public ViewPersist<LabSettingListRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -4,7 +4,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -113,3 +115,4 @@ class cProductionRunRedriedPersist final : public TablePersist<ProductionRunRedr
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -62,3 +64,4 @@ class cDegradationPYTDPersist final : public TablePersist<DegradationPYTDRecord>
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

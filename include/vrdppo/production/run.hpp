@@ -6,7 +6,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -120,3 +122,4 @@ class cvProductionRunPrizingPersist final : public ViewPersist<ProductionRunPriz
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -3,7 +3,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -41,3 +43,4 @@ class cvRunPickingTypesPersist final : public ViewPersist<RunPickingTypesRecord>
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -4,7 +4,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -204,3 +206,4 @@ class cLaminaPersist final : public TablePersist<LaminaRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

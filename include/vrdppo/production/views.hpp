@@ -4,7 +4,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -132,3 +134,4 @@ class cvProdGreenGradeListPersist final : public ViewPersist<ProdGreenGradeListR
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -6,7 +6,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -124,3 +126,4 @@ class cvProductionGradeListPersist final : public ViewPersist<ProductionGradeLis
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -5,7 +5,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -108,3 +110,4 @@ class cCalibrationPersist final : public TablePersist<CalibrationRecord> {
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

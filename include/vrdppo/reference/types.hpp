@@ -6,7 +6,9 @@
 
 #include "vrdppo/persist.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo {
 
 #pragma pack(push, 4)
@@ -151,3 +153,4 @@ class cvCompanyByProductsListPersist final : public ViewPersist<CompanyByProduct
 };
 
 }  // namespace vrdppo
+VRDPPO_PUBLIC_END

@@ -1,4 +1,4 @@
-#include "providers/embedded/embedded_store.hpp"
+#include "vrdppo/embedded_store.hpp"
 
 #include <new>
 

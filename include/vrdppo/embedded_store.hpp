@@ -7,7 +7,9 @@
 #include <string_view>
 
 #include "vrdppo/provider.hpp"
+#include "vrdppo/visibility.hpp"
 
+VRDPPO_PUBLIC_BEGIN
 namespace vrdppo::embedded {
 
 // The value of the `Provider` key that selects the store.
@@ -35,3 +37,4 @@ void openStore(const std::string& path);
 void releaseStore(const std::string& path);
 
 }  // namespace vrdppo::embedded
+VRDPPO_PUBLIC_END
