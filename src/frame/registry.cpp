@@ -304,7 +304,8 @@ Variant call(PersistObject& object, const MemberInfo* m, std::span<const Variant
   coerced.reserve(m->args.size());
   for (std::size_t i = 0; i < m->args.size(); ++i) {
     const ArgInfo& a = m->args[i];
-    if (i < args.size()) {
+    // A missing argument is one left out, as a late-bound caller leaves out one in the middle.
+    if (i < args.size() && !args[i].isMissing()) {
       coerced.push_back(coerce(a, args[i]));
     } else if (a.optional && a.type == ValueType::Variant && a.defaultValue.isEmpty()) {
       // A left-out Variant without a default reaches the member as missing, which it can test.

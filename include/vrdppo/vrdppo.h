@@ -1,0 +1,190 @@
+/* The library's C interface: the classes by name, objects, late-bound calls with tagged values,
+ * record layouts and the per-thread session. Plain C, for any language's foreign-function
+ * interface. No function lets an exception or an abort through: a failure is a status.
+ *
+ * Strings handed in are read during the call only. Strings handed out in a vrdppo_value or a
+ * vrdppo_status belong to the caller, who frees them with vrdppo_value_clear and
+ * vrdppo_status_clear. Strings in the info structures belong to the library and live as long as
+ * the process. */
+#ifndef VRDPPO_VRDPPO_H
+#define VRDPPO_VRDPPO_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define VRDPPO_C_API
+#else
+#define VRDPPO_C_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The types of a value. A state string is UTF-16 and may hold any code unit (a record's numbers
+ * travel inside it), so strings come back as VRDPPO_STRING16; either kind may be handed in. */
+typedef enum vrdppo_type {
+  VRDPPO_EMPTY = 0,
+  VRDPPO_NULL = 1,
+  VRDPPO_BOOLEAN = 2,  /* u.boolean: 0 or 1 */
+  VRDPPO_LONG = 3,     /* u.lng */
+  VRDPPO_DOUBLE = 4,   /* u.dbl */
+  VRDPPO_CURRENCY = 5, /* u.i64: ten-thousandths */
+  VRDPPO_DATE = 6,     /* u.dbl: days since 1899-12-30, the fraction being the time of day */
+  VRDPPO_STRING16 = 7, /* u.str16 with length code units */
+  VRDPPO_STRING8 = 8,  /* u.str8 with length bytes, UTF-8 */
+  VRDPPO_LONGLONG = 9, /* u.i64 */
+  VRDPPO_DECIMAL = 10, /* u.str8: the number's text, with a point */
+  VRDPPO_MISSING = 11  /* an optional argument left out */
+} vrdppo_type;
+
+typedef struct vrdppo_value {
+  int32_t type;   /* a vrdppo_type */
+  int32_t length; /* of a string, in code units; ignored otherwise */
+  union {
+    int32_t boolean;
+    int32_t lng;
+    double dbl;
+    int64_t i64;
+    const uint16_t* str16;
+    const char* str8;
+  } u;
+} vrdppo_value;
+
+/* A failure: number 0 is success. The number is the library's error number (provider failures
+ * carry the provider's HRESULT, a negative number). */
+typedef struct vrdppo_status {
+  int32_t number;
+  int32_t native_error;
+  char* description; /* UTF-8; NULL on success */
+  char* source;
+  char* sql_state;
+  char* statement; /* the statement that failed, when one did */
+} vrdppo_status;
+
+typedef struct vrdppo_object vrdppo_object;
+
+/* The types of arguments and results in the member metadata. */
+typedef enum vrdppo_value_type {
+  VRDPPO_VT_NONE = 0,
+  VRDPPO_VT_STRING = 1,
+  VRDPPO_VT_LONG = 2,
+  VRDPPO_VT_BOOLEAN = 3,
+  VRDPPO_VT_DOUBLE = 4,
+  VRDPPO_VT_DATE = 5,
+  VRDPPO_VT_VARIANT = 6,
+  VRDPPO_VT_RECORDSET = 7
+} vrdppo_value_type;
+
+/* The types of a record's fields. */
+typedef enum vrdppo_field_type {
+  VRDPPO_FIELD_LONG = 0,     /* 4 bytes, little-endian */
+  VRDPPO_FIELD_DOUBLE = 1,   /* 8 bytes */
+  VRDPPO_FIELD_CURRENCY = 2, /* 8 bytes, ten-thousandths */
+  VRDPPO_FIELD_DATE = 3,     /* 8 bytes, a double */
+  VRDPPO_FIELD_STRING = 4    /* length UTF-16 code units, blank padded */
+} vrdppo_field_type;
+
+typedef struct vrdppo_class_info {
+  const char* name;
+  const char* class_id;     /* GUID text */
+  const char* interface_id; /* of the default interface */
+  const char* source;       /* the table or view */
+  int32_t is_view;
+  int32_t member_count; /* private members included: they count in the dispatch identifiers */
+  int32_t column_count;
+  int32_t record_bytes; /* R: the record image */
+  int32_t state_chars;  /* C: UTF-16 code units of a record's state */
+  int32_t trailing_offset;
+  int32_t trailing_length;
+  const char* trailing_literal; /* a table's key-name literal; "" for a view's blanks */
+} vrdppo_class_info;
+
+typedef struct vrdppo_member_info {
+  const char* name;
+  int32_t dispatch_id;
+  int32_t is_public;
+  int32_t invocable;   /* 0 where an argument or the result cannot travel as a value */
+  int32_t result_type; /* a vrdppo_value_type */
+  int32_t arg_count;
+} vrdppo_member_info;
+
+typedef struct vrdppo_arg_info {
+  const char* name;
+  int32_t type; /* a vrdppo_value_type */
+  int32_t by_ref;
+  int32_t optional;
+  vrdppo_value default_value; /* VRDPPO_EMPTY when it has none; strings owned by the library */
+} vrdppo_arg_info;
+
+typedef struct vrdppo_column_info {
+  const char* read_name;  /* how a row names it */
+  const char* write_name; /* how the statements name it */
+  int32_t type;           /* a vrdppo_field_type */
+  int32_t offset;         /* bytes from the record's start */
+  int32_t length;         /* code units of a string field; 0 otherwise */
+} vrdppo_column_info;
+
+/* The per-thread session values. */
+typedef enum vrdppo_session_key {
+  VRDPPO_SESSION_CONNECT_STRING = 0, /* a string */
+  VRDPPO_SESSION_APP_NAME = 1,       /* a string */
+  VRDPPO_SESSION_AUDIT_TRAIL_ID = 2  /* a long */
+} vrdppo_session_key;
+
+VRDPPO_C_API const char* vrdppo_version(void);
+
+/* The classes, in the order the library lists them. */
+VRDPPO_C_API int32_t vrdppo_class_count(void);
+VRDPPO_C_API int32_t vrdppo_class_find(const char* name); /* without regard to case; -1 if none */
+VRDPPO_C_API int32_t vrdppo_class_info_get(int32_t class_index, vrdppo_class_info* out,
+                                           vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_member_info_get(int32_t class_index, int32_t member_index,
+                                            vrdppo_member_info* out, vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_arg_info_get(int32_t class_index, int32_t member_index,
+                                         int32_t arg_index, vrdppo_arg_info* out,
+                                         vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_column_info_get(int32_t class_index, int32_t column_index,
+                                            vrdppo_column_info* out, vrdppo_status* status);
+
+/* Objects. vrdppo_create fails with 429 for a name no class has. */
+VRDPPO_C_API int32_t vrdppo_create(const char* class_name, vrdppo_object** out,
+                                   vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_object_class(const vrdppo_object* object); /* its class index */
+VRDPPO_C_API void vrdppo_release(vrdppo_object* object);
+
+/* Late-bound calls: arguments in the member's order, optional ones as VRDPPO_MISSING or left off
+ * the end. The result is written to *result (which may be NULL), to be cleared by the caller
+ * (it is overwritten, not freed, so clear a value before reusing it).
+ * Each returns the status's number. */
+VRDPPO_C_API int32_t vrdppo_invoke(vrdppo_object* object, const char* member,
+                                   const vrdppo_value* args, int32_t arg_count,
+                                   vrdppo_value* result, vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_invoke_id(vrdppo_object* object, int32_t dispatch_id,
+                                      const vrdppo_value* args, int32_t arg_count,
+                                      vrdppo_value* result, vrdppo_status* status);
+
+/* The calling thread's session values. */
+VRDPPO_C_API int32_t vrdppo_session_set(int32_t key, const vrdppo_value* value,
+                                        vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_session_get(int32_t key, vrdppo_value* out, vrdppo_status* status);
+
+/* The embedded store: the connection string of a file, and creating its schema up front. */
+VRDPPO_C_API int32_t vrdppo_embedded_connect_string(const char* path, vrdppo_value* out,
+                                                    vrdppo_status* status);
+VRDPPO_C_API int32_t vrdppo_embedded_open(const char* path, vrdppo_status* status);
+VRDPPO_C_API void vrdppo_embedded_release(const char* path);
+
+/* A value as the platform writes it as text, UTF-8, NUL-terminated; NULL on failure. Freed with
+ * vrdppo_free. */
+VRDPPO_C_API char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status);
+
+VRDPPO_C_API void vrdppo_value_clear(vrdppo_value* value);
+VRDPPO_C_API void vrdppo_status_clear(vrdppo_status* status);
+VRDPPO_C_API void vrdppo_free(void* p);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

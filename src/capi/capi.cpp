@@ -1,0 +1,515 @@
+// The C interface over the registry: every entry point catches whatever the library raises and
+// hands it back as a status, so nothing but return values crosses into the caller's language.
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "vrdppo/dbhelp.hpp"
+#include "vrdppo/embedded_store.hpp"
+#include "vrdppo/error.hpp"
+#include "vrdppo/registry.hpp"
+#include "vrdppo/text.hpp"
+#include "vrdppo/vrdppo.h"
+#include "vrdppo_build_config.hpp"
+
+static_assert(sizeof(char16_t) == sizeof(uint16_t));
+
+// An object handed out: its class, so that the caller may ask without a call.
+struct vrdppo_object {
+  std::int32_t classIndex;
+  std::unique_ptr<vrdppo::PersistObject> object;
+};
+
+namespace {
+
+using vrdppo::Error;
+using vrdppo::Variant;
+using vrdppo::VarType;
+
+// UTF-8 copies of what the info structures point at, made once and kept for the process.
+struct ArgEntry {
+  std::string name;
+  std::string defaultText;  // a string default's UTF-8
+};
+struct MemberEntry {
+  std::vector<ArgEntry> args;
+};
+struct ColumnEntry {
+  std::string read;
+  std::string write;
+};
+struct ClassEntry {
+  std::string source;
+  std::string trailingLiteral;
+  std::vector<MemberEntry> members;
+  std::vector<ColumnEntry> columns;
+};
+
+const std::vector<ClassEntry>& catalog() {
+  static const std::vector<ClassEntry> entries = [] {
+    std::vector<ClassEntry> all;
+    for (const vrdppo::ClassInfo* c : vrdppo::registry::classes()) {
+      ClassEntry e;
+      e.source = c->source;
+      e.trailingLiteral = vrdppo::toUtf8(c->layout->trailing.literal);
+      for (const auto& m : c->members) {
+        MemberEntry me;
+        for (const auto& a : m.args) {
+          ArgEntry ae{a.name, {}};
+          if (a.defaultValue.type() == VarType::String) {
+            ae.defaultText = vrdppo::toUtf8(a.defaultValue.str());
+          }
+          me.args.push_back(std::move(ae));
+        }
+        e.members.push_back(std::move(me));
+      }
+      for (const auto& col : c->layout->columns) {
+        e.columns.push_back({vrdppo::toUtf8(col.read), vrdppo::toUtf8(col.write)});
+      }
+      all.push_back(std::move(e));
+    }
+    return all;
+  }();
+  return entries;
+}
+
+char* copyText(const std::string& s) {
+  auto* p = static_cast<char*>(std::malloc(s.size() + 1));
+  if (p == nullptr) throw std::bad_alloc();
+  std::memcpy(p, s.c_str(), s.size() + 1);
+  return p;
+}
+
+void clearStatus(vrdppo_status* st) noexcept {
+  if (st == nullptr) return;
+  std::free(st->description);
+  std::free(st->source);
+  std::free(st->sql_state);
+  std::free(st->statement);
+  *st = vrdppo_status{};
+}
+
+// Fills the status from an error; where even that cannot be allocated, the number alone.
+std::int32_t fail(vrdppo_status* st, const Error& e) noexcept {
+  if (st == nullptr) return e.number();
+  clearStatus(st);
+  st->number = e.number();
+  st->native_error = e.nativeError();
+  try {
+    st->description = copyText(e.description());
+    st->source = copyText(e.source());
+    st->sql_state = copyText(e.sqlState());
+    st->statement = copyText(vrdppo::toUtf8(e.statement()));
+  } catch (...) {
+    const std::int32_t n = st->number;
+    clearStatus(st);
+    st->number = n;
+  }
+  return st->number;
+}
+
+// Runs a body, turning whatever it raises into the status.
+template <class F>
+std::int32_t guarded(vrdppo_status* st, F&& body) noexcept {
+  try {
+    clearStatus(st);
+    body();
+    return 0;
+  } catch (const Error& e) {
+    return fail(st, e);
+  } catch (const std::bad_alloc&) {
+    return fail(st, Error::runtime(vrdppo::err::kOutOfMemory));
+  } catch (const std::exception& e) {
+    return fail(st, Error(vrdppo::err::kInvalidCall, e.what()));
+  } catch (...) {
+    return fail(st, Error::runtime(vrdppo::err::kInvalidCall));
+  }
+}
+
+Error invalidArgument(const char* what) {
+  return Error(vrdppo::err::kInvalidCall,
+               std::string("Invalid procedure call or argument: ") + what);
+}
+
+const vrdppo::ClassInfo& classAt(std::int32_t index) {
+  const auto& all = vrdppo::registry::classes();
+  if (index < 0 || static_cast<std::size_t>(index) >= all.size()) {
+    throw invalidArgument("no class has that index");
+  }
+  return *all[static_cast<std::size_t>(index)];
+}
+
+std::u16string stringOf(const vrdppo_value& v) {
+  if (v.length < 0) throw invalidArgument("a string's length is negative");
+  const auto n = static_cast<std::size_t>(v.length);
+  if (v.type == VRDPPO_STRING16) {
+    if (v.u.str16 == nullptr && n != 0) throw invalidArgument("a string is NULL");
+    std::u16string s(n, u'\0');
+    if (n != 0) std::memcpy(s.data(), v.u.str16, n * sizeof(char16_t));
+    return s;
+  }
+  if (v.u.str8 == nullptr && n != 0) throw invalidArgument("a string is NULL");
+  return vrdppo::fromUtf8(std::string_view(v.u.str8 == nullptr ? "" : v.u.str8, n));
+}
+
+Variant fromValue(const vrdppo_value& v) {
+  switch (v.type) {
+    case VRDPPO_EMPTY:
+      return Variant{};
+    case VRDPPO_NULL:
+      return Variant::null();
+    case VRDPPO_BOOLEAN:
+      return Variant(v.u.boolean != 0);
+    case VRDPPO_LONG:
+      return Variant(v.u.lng);
+    case VRDPPO_DOUBLE:
+      return Variant(v.u.dbl);
+    case VRDPPO_CURRENCY:
+      return Variant(vrdppo::Currency{v.u.i64});
+    case VRDPPO_DATE:
+      return Variant(vrdppo::Date{v.u.dbl});
+    case VRDPPO_STRING16:
+    case VRDPPO_STRING8:
+      return Variant(stringOf(v));
+    case VRDPPO_LONGLONG:
+      return Variant(static_cast<std::int64_t>(v.u.i64));
+    case VRDPPO_DECIMAL: {
+      if (v.u.str8 == nullptr) throw invalidArgument("a decimal's text is NULL");
+      return Variant(vrdppo::Decimal{std::string(v.u.str8)});
+    }
+    case VRDPPO_MISSING:
+      return Variant::missing();
+    default:
+      throw invalidArgument("a value's type is unknown");
+  }
+}
+
+vrdppo_value string16Value(const std::u16string& s) {
+  auto* p = static_cast<uint16_t*>(std::malloc((s.size() + 1) * sizeof(uint16_t)));
+  if (p == nullptr) throw std::bad_alloc();
+  std::memcpy(p, s.data(), s.size() * sizeof(char16_t));
+  p[s.size()] = 0;
+  vrdppo_value out{};
+  out.type = VRDPPO_STRING16;
+  out.length = static_cast<std::int32_t>(s.size());
+  out.u.str16 = p;
+  return out;
+}
+
+vrdppo_value toValue(const Variant& v) {
+  vrdppo_value out{};
+  switch (v.type()) {
+    case VarType::Empty:
+      out.type = VRDPPO_EMPTY;
+      break;
+    case VarType::Null:
+      out.type = VRDPPO_NULL;
+      break;
+    case VarType::Boolean:
+      out.type = VRDPPO_BOOLEAN;
+      out.u.boolean = v.boolean() ? 1 : 0;
+      break;
+    case VarType::Long:
+      out.type = VRDPPO_LONG;
+      out.u.lng = v.lng();
+      break;
+    case VarType::Double:
+      out.type = VRDPPO_DOUBLE;
+      out.u.dbl = v.dbl();
+      break;
+    case VarType::Currency:
+      out.type = VRDPPO_CURRENCY;
+      out.u.i64 = v.cur().raw;
+      break;
+    case VarType::Date:
+      out.type = VRDPPO_DATE;
+      out.u.dbl = v.date().days;
+      break;
+    case VarType::String:
+      return string16Value(v.str());
+    case VarType::LongLong:
+      out.type = VRDPPO_LONGLONG;
+      out.u.i64 = v.longLong();
+      break;
+    case VarType::Decimal: {
+      const std::string& t = v.decimal().text;
+      out.type = VRDPPO_DECIMAL;
+      out.length = static_cast<std::int32_t>(t.size());
+      out.u.str8 = copyText(t);
+      break;
+    }
+    case VarType::Missing:
+      out.type = VRDPPO_MISSING;
+      break;
+  }
+  return out;
+}
+
+std::vector<Variant> argumentsOf(const vrdppo_value* args, std::int32_t count) {
+  if (count < 0) throw invalidArgument("the argument count is negative");
+  if (count > 0 && args == nullptr) throw invalidArgument("the arguments are NULL");
+  std::vector<Variant> out;
+  out.reserve(static_cast<std::size_t>(count));
+  for (std::int32_t i = 0; i < count; ++i) out.push_back(fromValue(args[i]));
+  return out;
+}
+
+template <class Member>
+std::int32_t invokeMember(vrdppo_object* object, Member member, const vrdppo_value* args,
+                          std::int32_t count, vrdppo_value* result, vrdppo_status* st) {
+  if (result != nullptr) *result = vrdppo_value{};
+  return guarded(st, [&] {
+    if (object == nullptr || !object->object) throw invalidArgument("the object is NULL");
+    const std::vector<Variant> a = argumentsOf(args, count);
+    const Variant r = vrdppo::registry::invoke(*object->object, member, a);
+    if (result != nullptr) *result = toValue(r);
+  });
+}
+
+void requireOut(const void* out) {
+  if (out == nullptr) throw invalidArgument("the output is NULL");
+}
+
+}  // namespace
+
+extern "C" {
+
+const char* vrdppo_version(void) {
+  return VRDPPO_VERSION_TEXT;
+}
+
+int32_t vrdppo_class_count(void) {
+  try {
+    return static_cast<int32_t>(vrdppo::registry::classes().size());
+  } catch (...) {
+    return 0;
+  }
+}
+
+int32_t vrdppo_class_find(const char* name) {
+  if (name == nullptr) return -1;
+  try {
+    const auto& all = vrdppo::registry::classes();
+    const vrdppo::ClassInfo* c = vrdppo::registry::find(name);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      if (all[i] == c) return static_cast<int32_t>(i);
+    }
+  } catch (...) {
+  }
+  return -1;
+}
+
+int32_t vrdppo_class_info_get(int32_t class_index, vrdppo_class_info* out, vrdppo_status* status) {
+  return guarded(status, [&] {
+    requireOut(out);
+    const vrdppo::ClassInfo& c = classAt(class_index);
+    const ClassEntry& e = catalog()[static_cast<std::size_t>(class_index)];
+    *out = vrdppo_class_info{c.name.c_str(),
+                             c.classId.c_str(),
+                             c.interfaceId.c_str(),
+                             e.source.c_str(),
+                             c.isView ? 1 : 0,
+                             static_cast<int32_t>(c.members.size()),
+                             static_cast<int32_t>(c.layout->columns.size()),
+                             c.layout->bytes,
+                             c.layout->stateChars,
+                             c.layout->trailing.offset,
+                             c.layout->trailing.length,
+                             e.trailingLiteral.c_str()};
+  });
+}
+
+int32_t vrdppo_member_info_get(int32_t class_index, int32_t member_index, vrdppo_member_info* out,
+                               vrdppo_status* status) {
+  return guarded(status, [&] {
+    requireOut(out);
+    const vrdppo::ClassInfo& c = classAt(class_index);
+    if (member_index < 0 || static_cast<std::size_t>(member_index) >= c.members.size()) {
+      throw invalidArgument("no member has that index");
+    }
+    const vrdppo::MemberInfo& m = c.members[static_cast<std::size_t>(member_index)];
+    *out = vrdppo_member_info{m.name.c_str(),
+                              m.dispatchId,
+                              m.isPublic ? 1 : 0,
+                              m.invoke ? 1 : 0,
+                              static_cast<int32_t>(m.result),
+                              static_cast<int32_t>(m.args.size())};
+  });
+}
+
+int32_t vrdppo_arg_info_get(int32_t class_index, int32_t member_index, int32_t arg_index,
+                            vrdppo_arg_info* out, vrdppo_status* status) {
+  return guarded(status, [&] {
+    requireOut(out);
+    const vrdppo::ClassInfo& c = classAt(class_index);
+    if (member_index < 0 || static_cast<std::size_t>(member_index) >= c.members.size()) {
+      throw invalidArgument("no member has that index");
+    }
+    const vrdppo::MemberInfo& m = c.members[static_cast<std::size_t>(member_index)];
+    if (arg_index < 0 || static_cast<std::size_t>(arg_index) >= m.args.size()) {
+      throw invalidArgument("no argument has that index");
+    }
+    const vrdppo::ArgInfo& a = m.args[static_cast<std::size_t>(arg_index)];
+    const ArgEntry& e = catalog()[static_cast<std::size_t>(class_index)]
+                            .members[static_cast<std::size_t>(member_index)]
+                            .args[static_cast<std::size_t>(arg_index)];
+    vrdppo_value def{};
+    if (a.defaultValue.type() == VarType::String) {
+      def.type = VRDPPO_STRING8;
+      def.length = static_cast<int32_t>(e.defaultText.size());
+      def.u.str8 = e.defaultText.c_str();
+    } else if (a.defaultValue.type() != VarType::Decimal) {
+      def = toValue(a.defaultValue);  // no allocation for the other types
+    }
+    *out = vrdppo_arg_info{e.name.c_str(), static_cast<int32_t>(a.type), a.byRef ? 1 : 0,
+                           a.optional ? 1 : 0, def};
+  });
+}
+
+int32_t vrdppo_column_info_get(int32_t class_index, int32_t column_index, vrdppo_column_info* out,
+                               vrdppo_status* status) {
+  return guarded(status, [&] {
+    requireOut(out);
+    const vrdppo::ClassInfo& c = classAt(class_index);
+    const auto& columns = c.layout->columns;
+    if (column_index < 0 || static_cast<std::size_t>(column_index) >= columns.size()) {
+      throw invalidArgument("no column has that index");
+    }
+    const vrdppo::Column& col = columns[static_cast<std::size_t>(column_index)];
+    const ColumnEntry& e = catalog()[static_cast<std::size_t>(class_index)]
+                               .columns[static_cast<std::size_t>(column_index)];
+    *out = vrdppo_column_info{e.read.c_str(), e.write.c_str(), static_cast<int32_t>(col.type),
+                              col.offset, col.length};
+  });
+}
+
+int32_t vrdppo_create(const char* class_name, vrdppo_object** out, vrdppo_status* status) {
+  if (out != nullptr) *out = nullptr;
+  return guarded(status, [&] {
+    requireOut(out);
+    if (class_name == nullptr) throw invalidArgument("the class name is NULL");
+    auto object = vrdppo::registry::create(class_name);
+    const int32_t index = vrdppo_class_find(object->classInfo().name.c_str());
+    *out = new vrdppo_object{index, std::move(object)};
+  });
+}
+
+int32_t vrdppo_object_class(const vrdppo_object* object) {
+  return object == nullptr ? -1 : object->classIndex;
+}
+
+void vrdppo_release(vrdppo_object* object) {
+  delete object;
+}
+
+int32_t vrdppo_invoke(vrdppo_object* object, const char* member, const vrdppo_value* args,
+                      int32_t arg_count, vrdppo_value* result, vrdppo_status* status) {
+  if (member == nullptr) {
+    if (result != nullptr) *result = vrdppo_value{};
+    return fail(status, invalidArgument("the member name is NULL"));
+  }
+  return invokeMember(object, std::string_view(member), args, arg_count, result, status);
+}
+
+int32_t vrdppo_invoke_id(vrdppo_object* object, int32_t dispatch_id, const vrdppo_value* args,
+                         int32_t arg_count, vrdppo_value* result, vrdppo_status* status) {
+  return invokeMember(object, dispatch_id, args, arg_count, result, status);
+}
+
+int32_t vrdppo_session_set(int32_t key, const vrdppo_value* value, vrdppo_status* status) {
+  return guarded(status, [&] {
+    if (value == nullptr) throw invalidArgument("the value is NULL");
+    const Variant v = fromValue(*value);
+    switch (key) {
+      case VRDPPO_SESSION_CONNECT_STRING:
+        vrdppo::dbHelp::ConnectString = vrdppo::toString(v);
+        break;
+      case VRDPPO_SESSION_APP_NAME:
+        vrdppo::dbHelp::AppName = vrdppo::toString(v);
+        break;
+      case VRDPPO_SESSION_AUDIT_TRAIL_ID:
+        vrdppo::dbHelp::AuditTrailId = vrdppo::toLong(v);
+        break;
+      default:
+        throw invalidArgument("no session value has that key");
+    }
+  });
+}
+
+int32_t vrdppo_session_get(int32_t key, vrdppo_value* out, vrdppo_status* status) {
+  if (out != nullptr) *out = vrdppo_value{};
+  return guarded(status, [&] {
+    requireOut(out);
+    switch (key) {
+      case VRDPPO_SESSION_CONNECT_STRING:
+        *out = string16Value(vrdppo::dbHelp::ConnectString);
+        break;
+      case VRDPPO_SESSION_APP_NAME:
+        *out = string16Value(vrdppo::dbHelp::AppName);
+        break;
+      case VRDPPO_SESSION_AUDIT_TRAIL_ID:
+        out->type = VRDPPO_LONG;
+        out->u.lng = vrdppo::dbHelp::AuditTrailId;
+        break;
+      default:
+        throw invalidArgument("no session value has that key");
+    }
+  });
+}
+
+int32_t vrdppo_embedded_connect_string(const char* path, vrdppo_value* out, vrdppo_status* status) {
+  if (out != nullptr) *out = vrdppo_value{};
+  return guarded(status, [&] {
+    requireOut(out);
+    if (path == nullptr) throw invalidArgument("the path is NULL");
+    *out = string16Value(vrdppo::embedded::connectString(path));
+  });
+}
+
+int32_t vrdppo_embedded_open(const char* path, vrdppo_status* status) {
+  return guarded(status, [&] {
+    if (path == nullptr) throw invalidArgument("the path is NULL");
+    vrdppo::embedded::openStore(path);
+  });
+}
+
+void vrdppo_embedded_release(const char* path) {
+  if (path == nullptr) return;
+  try {
+    vrdppo::embedded::releaseStore(path);
+  } catch (...) {
+  }
+}
+
+char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status) {
+  char* text = nullptr;
+  guarded(status, [&] {
+    if (value == nullptr) throw invalidArgument("the value is NULL");
+    text = copyText(vrdppo::toUtf8(vrdppo::toString(fromValue(*value))));
+  });
+  return text;
+}
+
+void vrdppo_value_clear(vrdppo_value* value) {
+  if (value == nullptr) return;
+  if (value->type == VRDPPO_STRING16) {
+    std::free(const_cast<uint16_t*>(value->u.str16));
+  } else if (value->type == VRDPPO_STRING8 || value->type == VRDPPO_DECIMAL) {
+    std::free(const_cast<char*>(value->u.str8));
+  }
+  *value = vrdppo_value{};
+}
+
+void vrdppo_status_clear(vrdppo_status* status) {
+  clearStatus(status);
+}
+
+void vrdppo_free(void* p) {
+  std::free(p);
+}
+
+}  // extern "C"

@@ -1,0 +1,302 @@
+// The C interface: its catalogue agrees with the registry, a whole request runs through it, and
+// every failure comes back as a status.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "endtoend/store_fixture.hpp"
+#include "vrdppo/error.hpp"
+#include "vrdppo/production/stems.hpp"
+#include "vrdppo/registry.hpp"
+#include "vrdppo/vrdppo.h"
+
+using namespace vrdppo;
+using namespace vrdppo::testing;
+
+namespace {
+
+vrdppo_value str8(const char* s) {
+  vrdppo_value v{};
+  v.type = VRDPPO_STRING8;
+  v.length = static_cast<int32_t>(std::strlen(s));
+  v.u.str8 = s;
+  return v;
+}
+vrdppo_value str16(const std::u16string& s) {
+  vrdppo_value v{};
+  v.type = VRDPPO_STRING16;
+  v.length = static_cast<int32_t>(s.size());
+  v.u.str16 = reinterpret_cast<const uint16_t*>(s.data());
+  return v;
+}
+vrdppo_value lng(int32_t n) {
+  vrdppo_value v{};
+  v.type = VRDPPO_LONG;
+  v.u.lng = n;
+  return v;
+}
+vrdppo_value missing() {
+  vrdppo_value v{};
+  v.type = VRDPPO_MISSING;
+  return v;
+}
+std::u16string text16(const vrdppo_value& v) {
+  EXPECT_EQ(v.type, VRDPPO_STRING16);
+  return {reinterpret_cast<const char16_t*>(v.u.str16), static_cast<std::size_t>(v.length)};
+}
+
+// A status that clears itself.
+struct Status : vrdppo_status {
+  Status() : vrdppo_status{} {}
+  ~Status() { vrdppo_status_clear(this); }
+  std::string text() const { return description == nullptr ? "" : description; }
+};
+struct Object {
+  vrdppo_object* p = nullptr;
+  ~Object() { vrdppo_release(p); }
+};
+struct Value : vrdppo_value {
+  Value() : vrdppo_value{} {}
+  ~Value() { vrdppo_value_clear(this); }
+};
+
+std::u16string stemState(Long key, double weight, Long run) {
+  return newState<cStemsPersist>([&](StemsRecord& r) {
+    r.StemsId = key;
+    r.TotalNetWeight = weight;
+    r.ContainerEnd = 12;
+    r.StemTypeID = 3;
+    r.ProductionRunId = run;
+  });
+}
+
+using CInterface = StoreTest;
+
+}  // namespace
+
+TEST(CInterfaceCatalogue, AgreesWithTheRegistry) {
+  const auto& classes = registry::classes();
+  ASSERT_EQ(vrdppo_class_count(), static_cast<int32_t>(classes.size()));
+  for (int32_t i = 0; i < vrdppo_class_count(); ++i) {
+    const ClassInfo& c = *classes[static_cast<std::size_t>(i)];
+    Status st;
+    vrdppo_class_info info{};
+    ASSERT_EQ(vrdppo_class_info_get(i, &info, &st), 0) << st.text();
+    EXPECT_EQ(info.name, c.name);
+    EXPECT_EQ(info.class_id, c.classId);
+    EXPECT_EQ(info.is_view, c.isView ? 1 : 0);
+    EXPECT_EQ(info.record_bytes, c.layout->bytes);
+    EXPECT_EQ(info.state_chars, c.layout->stateChars);
+    EXPECT_EQ(vrdppo_class_find(c.name.c_str()), i);
+    ASSERT_EQ(info.member_count, static_cast<int32_t>(c.members.size()));
+    for (int32_t m = 0; m < info.member_count; ++m) {
+      vrdppo_member_info mi{};
+      ASSERT_EQ(vrdppo_member_info_get(i, m, &mi, &st), 0);
+      EXPECT_EQ(mi.name, c.members[static_cast<std::size_t>(m)].name);
+      EXPECT_EQ(mi.dispatch_id, kFirstDispatchId + m);
+    }
+    ASSERT_EQ(info.column_count, static_cast<int32_t>(c.layout->columns.size()));
+    for (int32_t k = 0; k < info.column_count; ++k) {
+      vrdppo_column_info ci{};
+      ASSERT_EQ(vrdppo_column_info_get(i, k, &ci, &st), 0);
+      const Column& col = c.layout->columns[static_cast<std::size_t>(k)];
+      EXPECT_EQ(ci.offset, col.offset);
+      EXPECT_EQ(fromUtf8(ci.write_name), col.write);
+    }
+  }
+}
+
+TEST(CInterfaceCatalogue, StemsInDetail) {
+  const int32_t stems = vrdppo_class_find("CSTEMSPERSIST");  // without regard to case
+  ASSERT_GE(stems, 0);
+  vrdppo_class_info info{};
+  ASSERT_EQ(vrdppo_class_info_get(stems, &info, nullptr), 0);
+  EXPECT_STREQ(info.name, "cStemsPersist");
+  EXPECT_STREQ(info.source, "STEMS");
+  EXPECT_EQ(info.record_bytes, 60);
+  EXPECT_STREQ(info.trailing_literal, "StemId");
+
+  vrdppo_column_info weight{};
+  ASSERT_EQ(vrdppo_column_info_get(stems, 1, &weight, nullptr), 0);
+  EXPECT_STREQ(weight.read_name, "TotalNetWeight");
+  EXPECT_EQ(weight.type, VRDPPO_FIELD_DOUBLE);
+  EXPECT_EQ(weight.offset, 4);
+
+  // Load's third argument, lTop, is an optional Long with its default.
+  const ClassInfo& c = *registry::find("cStemsPersist");
+  const MemberInfo* load = c.member("Load");
+  const auto index = static_cast<int32_t>(load - c.members.data());
+  vrdppo_member_info mi{};
+  ASSERT_EQ(vrdppo_member_info_get(stems, index, &mi, nullptr), 0);
+  EXPECT_EQ(mi.result_type, VRDPPO_VT_STRING);
+  ASSERT_EQ(mi.arg_count, static_cast<int32_t>(load->args.size()));
+  vrdppo_arg_info ai{};
+  ASSERT_EQ(vrdppo_arg_info_get(stems, index, 0, &ai, nullptr), 0);
+  EXPECT_STREQ(ai.name, "sCriteria");
+  EXPECT_EQ(ai.type, VRDPPO_VT_STRING);
+  EXPECT_EQ(ai.by_ref, 1);
+
+  EXPECT_EQ(vrdppo_class_find("cNoSuchPersist"), -1);
+  EXPECT_EQ(vrdppo_class_find(nullptr), -1);
+}
+
+TEST(CInterfaceCatalogue, IndicesOutOfRangeAreStatuses) {
+  Status st;
+  vrdppo_class_info info{};
+  EXPECT_EQ(vrdppo_class_info_get(-1, &info, &st), err::kInvalidCall);
+  EXPECT_NE(st.text().find("no class has that index"), std::string::npos);
+  EXPECT_EQ(vrdppo_class_info_get(vrdppo_class_count(), &info, &st), err::kInvalidCall);
+  vrdppo_member_info mi{};
+  EXPECT_EQ(vrdppo_member_info_get(0, 10000, &mi, &st), err::kInvalidCall);
+  vrdppo_arg_info ai{};
+  EXPECT_EQ(vrdppo_arg_info_get(0, 0, 99, &ai, &st), err::kInvalidCall);
+  vrdppo_column_info ci{};
+  EXPECT_EQ(vrdppo_column_info_get(0, -3, &ci, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_class_info_get(0, nullptr, &st), err::kInvalidCall);
+}
+
+TEST_F(CInterface, AWholeRequestOnTheStore) {
+  Status st;
+  const std::string path8 = path;
+  Value cs;
+  ASSERT_EQ(vrdppo_embedded_connect_string(path8.c_str(), &cs, &st), 0);
+  ASSERT_EQ(text16(cs), connect);
+  ASSERT_EQ(vrdppo_session_set(VRDPPO_SESSION_CONNECT_STRING, &cs, &st), 0);
+  EXPECT_EQ(dbHelp::ConnectString, connect);
+
+  Object stems;
+  ASSERT_EQ(vrdppo_create("cStemsPersist", &stems.p, &st), 0) << st.text();
+  EXPECT_EQ(vrdppo_object_class(stems.p), vrdppo_class_find("cStemsPersist"));
+
+  const std::u16string state = stemState(0, 125.5, 77);
+  vrdppo_value commitArgs[] = {str16(state), str16(connect)};
+  Value ok;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "commit", commitArgs, 2, &ok, &st), 0) << st.text();
+  ASSERT_EQ(ok.type, VRDPPO_BOOLEAN);
+  EXPECT_EQ(ok.u.boolean, 1);
+
+  Value after;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "GetState", nullptr, 0, &after, &st), 0);
+  const std::u16string saved = text16(after);
+  StemsRecord record{};
+  std::memcpy(&record, saved.data(), sizeof record);
+  EXPECT_GT(record.StemsId, 0);
+
+  // Load by dispatch identifier.
+  const ClassInfo& c = *registry::find("cStemsPersist");
+  const int32_t loadId = c.member("Load")->dispatchId;
+  vrdppo_value loadArgs[] = {str8("ProductionRunId = 77"), str16(connect)};
+  Value loaded;
+  ASSERT_EQ(vrdppo_invoke_id(stems.p, loadId, loadArgs, 2, &loaded, &st), 0) << st.text();
+  const auto rows = rowsOf<cStemsPersist>(text16(loaded));
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0].StemsId, record.StemsId);
+  EXPECT_EQ(double{rows[0].TotalNetWeight}, 125.5);
+
+  vrdppo_value deleteArgs[] = {str16(saved), str16(connect)};
+  Value deleted;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Delete", deleteArgs, 2, &deleted, &st), 0) << st.text();
+  Value none;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &none, &st), 0);
+  EXPECT_TRUE(rowsOf<cStemsPersist>(text16(none)).empty());
+}
+
+TEST_F(CInterface, FailuresComeBackAsStatuses) {
+  Status st;
+  Object o;
+  EXPECT_EQ(vrdppo_create("cNoSuchPersist", &o.p, &st), err::kCannotCreate);
+  EXPECT_EQ(o.p, nullptr);
+  EXPECT_FALSE(st.text().empty());
+  EXPECT_EQ(vrdppo_create(nullptr, &o.p, &st), err::kInvalidCall);
+  ASSERT_EQ(vrdppo_create("cStemsPersist", &o.p, &st), 0);
+  EXPECT_EQ(st.description, nullptr);  // a success clears the status
+
+  Value r;
+  EXPECT_EQ(vrdppo_invoke(o.p, "NoSuchMember", nullptr, 0, &r, &st), err::kMemberNotFound);
+  EXPECT_EQ(vrdppo_invoke(nullptr, "Load", nullptr, 0, &r, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_invoke(o.p, nullptr, nullptr, 0, &r, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", nullptr, 2, &r, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", nullptr, -1, &r, &st), err::kInvalidCall);
+
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", nullptr, 0, &r, &st), err::kArgumentNotOptional);
+  // An optional lTop: left out as missing, left off the end, or of the wrong type.
+  Object comments;
+  ASSERT_EQ(vrdppo_create("cCageMoveCommentPersist", &comments.p, &st), 0);
+  vrdppo_value withMissing[] = {str8("1=1"), str16(connect), missing()};
+  EXPECT_EQ(vrdppo_invoke(comments.p, "Load", withMissing, 3, &r, &st), 0) << st.text();
+  vrdppo_value_clear(&r);  // a result is overwritten, not freed
+  EXPECT_EQ(vrdppo_invoke(comments.p, "Load", withMissing, 2, &r, &st), 0) << st.text();
+  vrdppo_value_clear(&r);
+  vrdppo_value bad[] = {str8("1=1"), str16(connect), str8("x")};
+  EXPECT_EQ(vrdppo_invoke(comments.p, "Load", bad, 3, &r, &st), err::kTypeMismatch);
+  vrdppo_value tooMany[] = {str8("1=1"), str16(connect), str8("x")};
+  EXPECT_NE(vrdppo_invoke(o.p, "Load", tooMany, 3, &r, &st), 0);
+  vrdppo_value unknownTag = str8("1=1");
+  unknownTag.type = 99;
+  vrdppo_value tagged[] = {unknownTag, str16(connect)};
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", tagged, 2, &r, &st), err::kInvalidCall);
+  vrdppo_value negative = str8("1=1");
+  negative.length = -4;
+  vrdppo_value lengths[] = {negative, str16(connect)};
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", lengths, 2, &r, &st), err::kInvalidCall);
+
+  // A database error carries the provider's number, SQLSTATE and the statement.
+  vrdppo_value sqlError[] = {str8("NoSuchColumn = 1"), str16(connect)};
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", sqlError, 2, &r, &st), err::kCommandError);
+  EXPECT_STRNE(st.sql_state, "");
+  ASSERT_NE(st.statement, nullptr);
+  EXPECT_NE(std::string(st.statement).find("NoSuchColumn = 1"), std::string::npos);
+  EXPECT_EQ(r.type, VRDPPO_EMPTY);
+
+  // No status at all is allowed: the number still comes back.
+  EXPECT_EQ(vrdppo_invoke(o.p, "NoSuchMember", nullptr, 0, nullptr, nullptr), err::kMemberNotFound);
+}
+
+TEST(CInterfaceSession, ValuesArePerThread) {
+  Status st;
+  const vrdppo_value app = str8("line 3 scales");
+  ASSERT_EQ(vrdppo_session_set(VRDPPO_SESSION_APP_NAME, &app, &st), 0);
+  const vrdppo_value id = lng(4711);
+  ASSERT_EQ(vrdppo_session_set(VRDPPO_SESSION_AUDIT_TRAIL_ID, &id, &st), 0);
+  Value got;
+  ASSERT_EQ(vrdppo_session_get(VRDPPO_SESSION_APP_NAME, &got, &st), 0);
+  EXPECT_EQ(text16(got), u"line 3 scales");
+  Value gotId;
+  ASSERT_EQ(vrdppo_session_get(VRDPPO_SESSION_AUDIT_TRAIL_ID, &gotId, &st), 0);
+  EXPECT_EQ(gotId.u.lng, 4711);
+
+  std::u16string other;
+  std::thread([&] {
+    Value v;
+    vrdppo_session_get(VRDPPO_SESSION_APP_NAME, &v, nullptr);
+    other = text16(v);
+  }).join();
+  EXPECT_NE(other, u"line 3 scales");
+
+  const vrdppo_value notANumber = str8("x");
+  EXPECT_EQ(vrdppo_session_set(VRDPPO_SESSION_AUDIT_TRAIL_ID, &notANumber, &st),
+            err::kTypeMismatch);
+  EXPECT_EQ(vrdppo_session_set(42, &app, &st), err::kInvalidCall);
+  vrdppo_value_clear(&got);
+  EXPECT_EQ(vrdppo_session_get(42, &got, &st), err::kInvalidCall);
+  dbHelp::AppName.clear();
+  dbHelp::AuditTrailId = 0;
+}
+
+TEST(CInterfaceValues, TextOfAValue) {
+  vrdppo_value d{};
+  d.type = VRDPPO_DATE;
+  d.u.dbl = 2.5;  // 1900-01-01 12:00
+  char* t = vrdppo_value_text(&d, nullptr);
+  ASSERT_NE(t, nullptr);
+  EXPECT_STREQ(t, "1/1/1900 12:00:00 PM");
+  vrdppo_free(t);
+  const vrdppo_value s = str8("h\xc3\xa9");
+  t = vrdppo_value_text(&s, nullptr);
+  EXPECT_STREQ(t, "h\xc3\xa9");
+  vrdppo_free(t);
+  EXPECT_EQ(vrdppo_value_text(nullptr, nullptr), nullptr);
+}
