@@ -3,7 +3,8 @@
 set -euo pipefail
 packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
-          libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev)
+          libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
+          python3 python3-pip python3-setuptools python3-wheel)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
