@@ -3,7 +3,8 @@
 set -euo pipefail
 packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
-          libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev)
+          libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
+          libcli11-dev nlohmann-json3-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
