@@ -19,9 +19,11 @@ Each command's own arguments and options: vrdppo COMMAND --help.)";
 
 constexpr const char* kFields = R"(
 Fields: --set FIELD=VALUE sets a field of the record, which starts as the class's initialiser
-leaves it; dates as YYYY-MM-DD[ HH:MM[:SS]], strings as text. --arg NAME=VALUE gives an argument
-of the operation by its name (sCriteria, lTop, ...); a name the operation does not take, or a
-value its type cannot hold, is a usage error.)";
+leaves it; dates as YYYY-MM-DD[ HH:MM[:SS]], strings as text.)";
+
+constexpr const char* kArguments = R"(
+Arguments: --arg NAME=VALUE gives an argument of the operation by its name (sCriteria, lTop,
+...); a name the operation does not take, or a value its type cannot hold, is a usage error.)";
 
 constexpr const char* kConnection = R"(
 Connection: --connect STRING; the default is the embedded store vrdppo.db in the working
@@ -47,7 +49,7 @@ the operation answered False or its statement changed no row.)";
 
 std::string joined(std::initializer_list<const char*> parts) {
   std::string out;
-  for (const char* p : parts) out += p;
+  for (const char* p : parts) out += (out.empty() ? "" : "\n") + std::string(p);
   return out;
 }
 
@@ -84,7 +86,7 @@ int main(int argc, char** argv) {
   using namespace vrdppo::cli;
   Raw raw;
   CLI::App app("vrdppo: the persistence library from a shell.", "vrdppo");
-  app.footer(joined({kCommands, kFields, kConnection, kStateText, kExitStatus}));
+  app.footer(joined({kCommands, kFields, kArguments, kConnection, kStateText, kExitStatus}));
   app.require_subcommand(1);
 
   using Run = std::function<int(const Options&)>;
@@ -156,7 +158,7 @@ int main(int argc, char** argv) {
                           "every statement the operation sends, one per line, on a stand-in "
                           "database (no database is touched)",
                           [](const Options& o) { return showSql(o, std::cout); },
-                          {kFields, kStateText, kExitStatus});
+                          {kFields, kArguments, kStateText, kExitStatus});
     className(c);
     c->add_option("OPERATION", raw.operation, "a public member: Load, Commit, Delete, ...")
         ->required();
@@ -167,7 +169,7 @@ int main(int argc, char** argv) {
   {
     CLI::App* c = command("load", "the class's Load, shown as a table (or --json)",
                           [](const Options& o) { return load(o, std::cout); },
-                          {kFields, kConnection, kExitStatus});
+                          {kArguments, kConnection, kExitStatus});
     className(c);
     args(c);
     connect(c, kConnect);
@@ -178,7 +180,7 @@ int main(int argc, char** argv) {
                           "Commit a record (key 0 or left out: insert) and show it after; exit 3 "
                           "when it changed no row",
                           [](const Options& o) { return commit(o, std::cout); },
-                          {kFields, kConnection, kStateText, kExitStatus});
+                          {kFields, kArguments, kConnection, kStateText, kExitStatus});
     className(c);
     state(c, sets(c));
     args(c);
