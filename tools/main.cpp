@@ -49,7 +49,8 @@ the operation answered False or its statement changed no row.)";
 
 std::string joined(std::initializer_list<const char*> parts) {
   std::string out;
-  for (const char* p : parts) out += (out.empty() ? "" : "\n") + std::string(p);
+  // Each part starts on a line of its own; a blank line goes between them.
+  for (const char* p : parts) out += out.empty() ? std::string(p + 1) : "\n" + std::string(p);
   return out;
 }
 
@@ -191,7 +192,7 @@ int main(int argc, char** argv) {
     CLI::App* c =
         command("delete", "Delete the record whose key --set names; exit 3 when it changed no row",
                 [](const Options& o) { return remove(o, std::cout); },
-                {kFields, kConnection, kStateText, kExitStatus});
+                {kFields, kArguments, kConnection, kStateText, kExitStatus});
     className(c);
     state(c, sets(c));
     args(c);
