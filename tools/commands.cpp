@@ -87,7 +87,7 @@ std::string jsonLine(const nlohmann::ordered_json& j) {
 
 // An --arg's text as the argument's type, or a usage error that names the argument.
 Variant argumentValue(const ArgInfo& a, const Assignment& given) {
-  const Variant text(fromUtf8(given.value));
+  Variant text(fromUtf8(given.value));
   try {
     switch (a.type) {
       case ValueType::Long:

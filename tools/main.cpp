@@ -81,9 +81,7 @@ vrdppo::cli::Options options(const Raw& raw, const CLI::App& command) {
   return o;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   using namespace vrdppo::cli;
   Raw raw;
   CLI::App app("vrdppo: the persistence library from a shell.", "vrdppo");
@@ -249,5 +247,16 @@ int main(int argc, char** argv) {
   } catch (const NothingDone& e) {
     std::cerr << "vrdppo: " << e.what() << "\n";
     return 3;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& e) {  // a fault of the tool itself, or memory exhausted
+    std::cerr << "vrdppo: " << e.what() << "\n";
+    return 1;
   }
 }
