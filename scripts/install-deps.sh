@@ -4,6 +4,7 @@ set -euo pipefail
 packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
           libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
+          libcli11-dev nlohmann-json3-dev
           python3 python3-pip python3-setuptools python3-wheel)
 missing=()
 for p in "${packages[@]}"; do

@@ -1,11 +1,13 @@
 #include "commands.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <iostream>
 #include <iterator>
 #include <stdexcept>
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include "vrdppo/buffer.hpp"
 #include "vrdppo/dbhelp.hpp"
@@ -23,17 +25,16 @@ std::string readAll(std::istream& in) {
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-std::u16string stateArgument(const Options& o, std::istream& in, std::size_t position) {
+std::u16string stateArgument(const Options& o, std::istream& in) {
   if (o.state) return unescapeState(*o.state);
-  if (o.positional.size() > position) return unescapeState(o.positional[position]);
   std::string text = readAll(in);
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
   return unescapeState(text);
 }
 
 const std::string& className(const Options& o) {
-  if (o.positional.empty()) throw std::invalid_argument("name a class (see `vrdppo classes`)");
-  return o.positional[0];
+  if (o.className.empty()) throw std::invalid_argument("name a class (see `vrdppo classes`)");
+  return o.className;
 }
 
 // The text of a field for a person: strings as they are, control characters escaped.
@@ -58,31 +59,93 @@ std::size_t displayWidth(const std::string& s) {
   return n;
 }
 
-std::string jsonValue(const Column& c, const std::byte* record) {
-  std::string text = fieldText(c, record);
-  if (c.type == FieldType::Long) return text;
-  if (c.type == FieldType::Double) {
-    return text.find_first_of("in") == std::string::npos ? text : "\"" + text + "\"";
+// Long and Double as JSON numbers (a Double that is no number, such as inf, as text), Currency
+// and Date as decode writes them, strings as they are without their trailing blanks.
+nlohmann::ordered_json jsonValue(const Column& c, const std::byte* record) {
+  switch (c.type) {
+    case FieldType::Long:
+      return readField<Long>(record, c.offset);
+    case FieldType::Double: {
+      const double v = readField<Double>(record, c.offset);
+      if (std::isfinite(v)) return v;
+      return fieldText(c, record);
+    }
+    case FieldType::String: {
+      std::u16string_view s(reinterpret_cast<const char16_t*>(record + c.offset), c.length);
+      while (!s.empty() && s.back() == u' ') s.remove_suffix(1);
+      return toUtf8(s);
+    }
+    default:
+      return fieldText(c, record);
   }
-  return "\"" + (c.type == FieldType::String ? text : escapeState(fromUtf8(text))) + "\"";
 }
 
-// Arguments of a member from the options: sBuffer from --set, sConnect from --connect.
-std::vector<Variant> argumentsFor(const MemberInfo& m, const Options& o,
+// One line of JSON, ASCII only like the state text.
+std::string jsonLine(const nlohmann::ordered_json& j) {
+  return j.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+// An --arg's text as the argument's type, or a usage error that names the argument.
+Variant argumentValue(const ArgInfo& a, const Assignment& given) {
+  Variant text(fromUtf8(given.value));
+  try {
+    switch (a.type) {
+      case ValueType::Long:
+        return toLong(text);
+      case ValueType::Boolean:
+        return toBoolean(text);
+      case ValueType::Double:
+        return toDouble(text);
+      case ValueType::Date:
+        return toDate(text);
+      default:
+        return text;
+    }
+  } catch (const Error& e) {
+    throw std::invalid_argument(fmt::format("--arg {}: \"{}\" is no {}: {}", a.name, given.value,
+                                            valueTypeName(a.type), e.what()));
+  }
+}
+
+// Arguments of a member from the options: sBuffer from --set, sConnect from --connect. Every
+// --arg must name an argument of the member, once.
+std::vector<Variant> argumentsFor(const ClassInfo& info, const MemberInfo& m, const Options& o,
                                   const std::u16string& state, const std::u16string& connect) {
+  const auto named = [](const std::string& a, const std::string& b) {
+    return equalsNoCase(fromUtf8(a), fromUtf8(b));
+  };
+  for (std::size_t i = 0; i < o.args.size(); ++i) {
+    const std::string& name = o.args[i].name;
+    if (std::none_of(m.args.begin(), m.args.end(),
+                     [&](const ArgInfo& a) { return named(a.name, name); })) {
+      std::string names;
+      for (const ArgInfo& a : m.args) names += (names.empty() ? "" : ", ") + a.name;
+      throw std::invalid_argument(
+          fmt::format("--arg {}: {}.{} has no argument \"{}\"; {}", name, info.name, m.name, name,
+                      names.empty() ? "it takes none" : "it takes " + names));
+    }
+    for (std::size_t k = 0; k < i; ++k) {
+      if (named(o.args[k].name, name)) {
+        throw std::invalid_argument("--arg " + name + ": given twice");
+      }
+    }
+  }
   std::vector<Variant> args;
+  std::size_t given = 0;  // how many of the arguments the options gave
   for (const ArgInfo& a : m.args) {
-    const auto given = std::find_if(o.args.begin(), o.args.end(), [&](const Assignment& x) {
-      return equalsNoCase(fromUtf8(x.name), fromUtf8(a.name));
-    });
-    if (given != o.args.end()) {
-      args.emplace_back(fromUtf8(given->value));
+    if (given == o.args.size() && a.optional) break;  // this and the rest take their defaults
+    const auto arg = std::find_if(o.args.begin(), o.args.end(),
+                                  [&](const Assignment& x) { return named(x.name, a.name); });
+    if (arg != o.args.end()) {
+      args.push_back(argumentValue(a, *arg));
+      ++given;
     } else if (a.name == "sBuffer") {
       args.emplace_back(state);
     } else if (a.name == "sConnect") {
       args.emplace_back(connect);
     } else if (a.optional) {
-      break;  // this and the rest take their defaults
+      // Left out before one that was given: its default, or missing where it has none.
+      args.push_back(a.defaultValue.isEmpty() ? Variant::missing() : a.defaultValue);
     } else if (a.type == ValueType::Recordset) {
       throw std::invalid_argument(m.name + " takes a recordset and cannot be called from here");
     } else if (a.type == ValueType::Variant) {
@@ -99,10 +162,31 @@ std::vector<Variant> argumentsFor(const MemberInfo& m, const Options& o,
 
 std::unique_ptr<PersistObject> objectWithState(const ClassInfo& info, const Options& o,
                                                std::u16string& state) {
-  state = o.state ? unescapeState(*o.state) : buildState(*info.layout, o.sets);
+  if (o.state) {
+    state = unescapeState(*o.state);
+    checkRecordState(*info.layout, state);
+  } else {
+    state = buildState(*info.layout, o.sets);
+  }
   auto object = info.create();
   object->SetState(state);
   return object;
+}
+
+// A Commit or Delete that answered False, or whose statement changed no row, did nothing: the
+// key names no row. A provider that cannot count (-1) is taken at its word.
+void requireEffect(const ClassInfo& info, const char* operation, const PersistObject& object,
+                   const Variant& result) {
+  const Column& key = info.layout->columns.front();
+  const std::string which =
+      fmt::format("{} {}", toUtf8(key.read), readField<Long>(object.recordBytes(), key.offset));
+  if (result.type() == VarType::Boolean && !toBoolean(result)) {
+    throw NothingDone(fmt::format("{}.{} answered False ({})", info.name, operation, which));
+  }
+  if (lastRecordsAffected() == 0) {
+    throw NothingDone(
+        fmt::format("{}.{} changed no row: no row has {}", info.name, operation, which));
+  }
 }
 
 }  // namespace
@@ -126,6 +210,41 @@ std::u16string connectionOf(const Options& o) {
   return embedded::connectString("vrdppo.db");
 }
 
+void checkRecordState(const RecordLayout& layout, std::u16string_view state) {
+  if (state.size() != layout.stateChars) {
+    throw std::invalid_argument(fmt::format("a state of this class has {} characters, not {}",
+                                            layout.stateChars, state.size()));
+  }
+}
+
+std::vector<std::u16string> checkedRecordsOf(const RecordLayout& layout,
+                                             std::u16string_view bufferState) {
+  constexpr std::size_t kHeader = 8;
+  if (bufferState.size() < kHeader) {
+    throw std::invalid_argument(
+        fmt::format("a Buffer state has a header of {} characters; this one has {} in all", kHeader,
+                    bufferState.size()));
+  }
+  const BufferHeader h = readBufferHeader(bufferState);
+  if (h.recordLength != static_cast<std::int64_t>(layout.stateChars)) {
+    throw std::invalid_argument(
+        fmt::format("the Buffer state's records have {} characters, this class's {}",
+                    h.recordLength, layout.stateChars));
+  }
+  if (h.count < 0) {
+    throw std::invalid_argument(fmt::format("the Buffer state counts {} records", h.count));
+  }
+  // The records, and the spare blank that Load leaves behind them or not.
+  const std::size_t records =
+      kHeader + static_cast<std::size_t>(h.recordLength) * static_cast<std::size_t>(h.count);
+  if (bufferState.size() != records && bufferState.size() != records + 1) {
+    throw std::invalid_argument(
+        fmt::format("a Buffer state of {} records of {} characters has {} or {} characters, not {}",
+                    h.count, h.recordLength, records, records + 1, bufferState.size()));
+  }
+  return recordsOf(bufferState);
+}
+
 std::vector<std::u16string> recordsOf(std::u16string_view bufferState) {
   Buffer b;
   b.SetState(bufferState);
@@ -141,12 +260,9 @@ void printRecords(const RecordLayout& layout, const std::vector<std::u16string>&
   if (json) {
     for (const auto& s : states) {
       fill(s);
-      std::string line = "{";
-      for (const Column& c : layout.columns) {
-        if (line.size() > 1) line += ",";
-        line += "\"" + toUtf8(c.read) + "\":" + jsonValue(c, record.data());
-      }
-      out << line << "}\n";
+      nlohmann::ordered_json line = nlohmann::ordered_json::object();
+      for (const Column& c : layout.columns) line[toUtf8(c.read)] = jsonValue(c, record.data());
+      out << jsonLine(line) << "\n";
     }
     return;
   }
@@ -205,31 +321,29 @@ int showLayout(const Options& o, std::ostream& out) {
 int decode(const Options& o, std::istream& in, std::ostream& out) {
   const ClassInfo& info = classNamed(className(o));
   const RecordLayout& l = *info.layout;
-  const std::u16string state = stateArgument(o, in, 1);
+  const std::u16string state = stateArgument(o, in);
   if (o.buffer) {
+    const auto records = checkedRecordsOf(l, state);
     const BufferHeader h = readBufferHeader(state);
     if (!o.json) {
       out << fmt::format("record length {}, estimate {}, capacity {}, count {}\n", h.recordLength,
                          h.estimate, h.capacity, h.count);
     }
-    printRecords(l, recordsOf(state), o.json, out);
+    printRecords(l, records, o.json, out);
     return 0;
   }
+  checkRecordState(l, state);
   std::vector<std::byte> record(l.bytes);
   setRecordState(l, record.data(), state);
   const std::string unused = unusedText(
       l, std::u16string_view(state).substr(0, std::min<std::size_t>(state.size(), l.stateChars)));
   if (o.json) {
-    std::string line = "{";
-    for (const Column& c : l.columns) {
-      line += (line.size() > 1 ? "," : "") + ("\"" + toUtf8(c.read) + "\":") +
-              jsonValue(c, record.data());
-    }
-    if (l.trailing.length > 0) {
-      line += ",\"(trailing)\":\"" + trailingText(l, record.data()) + "\"";
-    }
-    if (!unused.empty()) line += ",\"(unused)\":\"" + unused + "\"";
-    out << line << "}\n";
+    nlohmann::ordered_json line = nlohmann::ordered_json::object();
+    for (const Column& c : l.columns) line[toUtf8(c.read)] = jsonValue(c, record.data());
+    // The state text of the trailing field, as encode takes it back.
+    if (l.trailing.length > 0) line["(trailing)"] = trailingText(l, record.data());
+    if (!unused.empty()) line["(unused)"] = unused;
+    out << jsonLine(line) << "\n";
     return 0;
   }
   for (const Column& c : l.columns) {
@@ -267,16 +381,15 @@ int encode(const Options& o, std::istream& in, std::ostream& out) {
 }
 
 int showSql(const Options& o, std::ostream& out) {
-  if (o.positional.size() < 2) throw std::invalid_argument("usage: vrdppo sql CLASS OPERATION");
-  const ClassInfo& info = classNamed(o.positional[0]);
-  const MemberInfo* m = info.member(o.positional[1]);
+  const ClassInfo& info = classNamed(className(o));
+  const MemberInfo* m = info.member(o.operation);
   if (!m || !m->isPublic) {
     std::string names;
     for (const auto& x : info.members) {
       if (x.isPublic && x.invoke) names += (names.empty() ? "" : ", ") + x.name;
     }
-    throw std::invalid_argument(info.name + " has no operation \"" + o.positional[1] +
-                                "\"; it has " + names);
+    throw std::invalid_argument(info.name + " has no operation \"" + o.operation + "\"; it has " +
+                                names);
   }
   // A stand-in database: an insert procedure answers an Identity of 1; a SELECT answers no
   // rows; every other statement answers no rowset.
@@ -307,7 +420,8 @@ int showSql(const Options& o, std::ostream& out) {
       [&out] { return std::make_unique<StandIn>(out); });
   std::u16string state;
   auto object = objectWithState(info, o, state);
-  const auto args = argumentsFor(*m, o, state, o.connect ? fromUtf8(*o.connect) : u"DSN=vrdppo");
+  const auto args =
+      argumentsFor(info, *m, o, state, o.connect ? fromUtf8(*o.connect) : u"DSN=vrdppo");
   registry::invoke(*object, m->name, args);
   return 0;
 }
@@ -316,7 +430,7 @@ int load(const Options& o, std::ostream& out) {
   const ClassInfo& info = classNamed(className(o));
   auto object = info.create();
   const MemberInfo* m = info.member("Load");
-  const auto args = argumentsFor(*m, o, u"", connectionOf(o));
+  const auto args = argumentsFor(info, *m, o, u"", connectionOf(o));
   const Variant state = registry::invoke(*object, "Load", args);
   printRecords(*info.layout, recordsOf(state.str()), o.json, out);
   return 0;
@@ -327,8 +441,9 @@ int commit(const Options& o, std::ostream& out) {
   if (info.isView) throw std::invalid_argument(info.name + " reads a view: it has no Commit");
   std::u16string state;
   auto object = objectWithState(info, o, state);
-  const auto args = argumentsFor(*info.member("Commit"), o, state, connectionOf(o));
-  registry::invoke(*object, "Commit", args);
+  const auto args = argumentsFor(info, *info.member("Commit"), o, state, connectionOf(o));
+  resetLastRecordsAffected();
+  requireEffect(info, "Commit", *object, registry::invoke(*object, "Commit", args));
   printRecords(*info.layout, {object->GetState()}, o.json, out);
   return 0;
 }
@@ -338,9 +453,15 @@ int remove(const Options& o, std::ostream& out) {
   if (info.isView) throw std::invalid_argument(info.name + " reads a view: it has no Delete");
   std::u16string state;
   auto object = objectWithState(info, o, state);
-  const auto args = argumentsFor(*info.member("Delete"), o, state, connectionOf(o));
-  registry::invoke(*object, "Delete", args);
-  if (!o.json) out << "deleted\n";
+  const Column& key = info.layout->columns.front();
+  if (readField<Long>(object->recordBytes(), key.offset) == 0) {
+    throw std::invalid_argument(
+        fmt::format("delete needs the record's key: --set {}=N", toUtf8(key.read)));
+  }
+  const auto args = argumentsFor(info, *info.member("Delete"), o, state, connectionOf(o));
+  resetLastRecordsAffected();
+  requireEffect(info, "Delete", *object, registry::invoke(*object, "Delete", args));
+  out << "deleted\n";
   return 0;
 }
 

@@ -3,6 +3,7 @@
 
 #include <iosfwd>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,14 +12,22 @@
 namespace vrdppo::cli {
 
 struct Options {
-  std::vector<std::string> positional;
+  std::string className;
+  std::string operation;  // sql's
+  std::string path;       // demo's store file; empty: the default
   std::vector<Assignment> sets;
   std::vector<Assignment> args;
   std::optional<std::string> connect;
   std::optional<std::string> state;
   bool json = false;
   bool buffer = false;
-  bool keep = false;
+};
+
+// A commit or delete that ran and did nothing: the operation answered False or its statement
+// changed no row.
+class NothingDone : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
 };
 
 // Each returns the process's exit code; errors the user can mend throw std::invalid_argument.
@@ -41,5 +50,11 @@ void printRecords(const RecordLayout& layout, const std::vector<std::u16string>&
                   std::ostream& out);
 // The records of a Buffer state.
 std::vector<std::u16string> recordsOf(std::u16string_view bufferState);
+// The same, after checking that the state's length is what its header and the layout say:
+// std::invalid_argument otherwise.
+std::vector<std::u16string> checkedRecordsOf(const RecordLayout& layout,
+                                             std::u16string_view bufferState);
+// A record's state of the class's length, or std::invalid_argument.
+void checkRecordState(const RecordLayout& layout, std::u16string_view state);
 
 }  // namespace vrdppo::cli

@@ -16,20 +16,47 @@ namespace vrdppo::cli {
 
 namespace {
 
+// Set while a traced connection asks the registry for the provider it wraps, so that the trace
+// does not answer for itself.
+thread_local bool findingInner = false;
+
+// Whatever provider the connection string names, with each statement noted on its way. The
+// wrapped connection is made when the string is known, at open; settings made before wait.
 struct Traced : ProviderConnection {
   Trace& trace;
-  std::unique_ptr<ProviderConnection> inner = embedded::makeConnection();
+  std::unique_ptr<ProviderConnection> inner;
+  int cursorLocation = 0;
+  int timeout = -1;
   explicit Traced(Trace& t) : trace(t) {}
-  void setCursorLocation(int l) override { inner->setCursorLocation(l); }
+  void setCursorLocation(int l) override {
+    cursorLocation = l;
+    if (inner) inner->setCursorLocation(l);
+  }
   void open(const std::u16string& c, const std::u16string& u, const std::u16string& p,
             int o) override {
+    findingInner = true;
+    try {
+      inner = providers::connect(c);
+    } catch (...) {
+      findingInner = false;
+      throw;
+    }
+    findingInner = false;
+    if (cursorLocation != 0) inner->setCursorLocation(cursorLocation);
+    if (timeout >= 0) inner->setCommandTimeout(timeout);
     inner->open(c, u, p, o);
   }
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int o) override {
     trace.add(toUtf8(sql));
     return inner->execute(sql, o);
   }
-  void setCommandTimeout(int s) override { inner->setCommandTimeout(s); }
+  std::int64_t recordsAffected() const noexcept override {
+    return inner ? inner->recordsAffected() : -1;
+  }
+  void setCommandTimeout(int s) override {
+    timeout = s;
+    if (inner) inner->setCommandTimeout(s);
+  }
   void close() override { inner->close(); }
 };
 
@@ -37,7 +64,7 @@ struct Traced : ProviderConnection {
 
 Trace::Trace()
     : registration_(std::make_unique<providers::Registration>(
-          "demo-trace", [](std::u16string_view c) { return embedded::accepts(c); },
+          "demo-trace", [](std::u16string_view) { return !findingInner; },
           [this] { return std::make_unique<Traced>(*this); })) {}
 
 Trace::~Trace() = default;
@@ -73,21 +100,27 @@ void DemoContext::table(const RecordLayout& layout, const std::u16string& buffer
 }
 
 int demo(const Options& o, std::ostream& out) {
-  const std::string path = o.positional.empty() ? "vrdppo-demo.db" : o.positional[0];
-  embedded::releaseStore(path);
-  for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path + suffix);
+  const std::string path = o.path.empty() ? "vrdppo-demo.db" : o.path;
+  std::u16string connect;
+  if (o.connect) {
+    connect = fromUtf8(*o.connect);
+    out << "A plant's day on " << *o.connect << "\n";
+  } else {
+    embedded::releaseStore(path);
+    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path + suffix);
+    connect = embedded::connectString(path);
+    out << "A plant's day on a fresh embedded store: " << path << "\n";
+  }
   Trace trace;
-  DemoContext d{embedded::connectString(path), trace, out};
-  out << "A plant's day on a fresh embedded store: " << path << "\n"
-      << "Every statement the library sends is shown under the step that sent it (each one also\n"
+  DemoContext d{connect, trace, out};
+  out << "Every statement the library sends is shown under the step that sent it (each one also\n"
       << "opens its own connection and sends SET QUOTED_IDENTIFIER OFF first, not shown).\n";
   demoGrades(d);
   demoProduction(d);
   demoGreenLeaf(d);
   demoLab(d);
-  out << "\nThe store stays in " << path << "; look at it with, for example:\n"
-      << "  vrdppo load cStemsPersist --connect 'Provider=vrdppo.Embedded;Data Source=" << path
-      << "'\n";
+  out << "\nThe day's rows stay; look at them with, for example:\n"
+      << "  vrdppo load cStemsPersist --connect '" << toUtf8(connect) << "'\n";
   dbHelp::ConnectString.clear();
   return 0;
 }

@@ -75,11 +75,13 @@ std::string escapeState(std::u16string_view state) {
     const char16_t c = state[i];
     // A blank at either end is escaped too: whoever reads the text back may trim it.
     const bool blankAtEnd = c == u' ' && (i == 0 || i + 1 == state.size());
+    // A leading '-' would make the text look like an option on a command line.
+    const bool leadingDash = c == u'-' && i == 0;
     if (c == u'\\') {
       out += "\\\\";
     } else if (c == u'"') {
       out += "\\\"";
-    } else if (c >= 0x20 && c < 0x7F && !blankAtEnd) {
+    } else if (c >= 0x20 && c < 0x7F && !blankAtEnd && !leadingDash) {
       out += static_cast<char>(c);
     } else {
       out += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
@@ -257,10 +259,11 @@ std::string unusedText(const RecordLayout& layout, std::u16string_view state) {
   return any ? hex : std::string();
 }
 
-Assignment parseAssignment(std::string_view text) {
+Assignment parseAssignment(std::string_view text, std::string_view option) {
   const auto eq = text.find('=');
-  if (eq == std::string_view::npos || eq == 0) {
-    throw std::invalid_argument("expected NAME=VALUE, got \"" + std::string(text) + "\"");
+  if (eq == std::string_view::npos || trimmed(text.substr(0, eq)).empty()) {
+    throw std::invalid_argument((option.empty() ? std::string() : std::string(option) + ": ") +
+                                "expected NAME=VALUE, got \"" + std::string(text) + "\"");
   }
   return {std::string(trimmed(text.substr(0, eq))), std::string(text.substr(eq + 1))};
 }

@@ -13,7 +13,9 @@
 namespace vrdppo::cli {
 
 // A state in text: the body of a JSON string, ASCII only, every other code unit (U+0000 among
-// them) as \uXXXX, so that any state travels through a terminal or a file unchanged.
+// them) as \uXXXX, so that any state travels through a terminal or a file unchanged. A blank at
+// either end and a leading '-' are escaped too, so that neither trimming nor an option parser
+// takes them.
 std::string escapeState(std::u16string_view state);
 // The inverse; surrounding double quotes are allowed. Throws std::invalid_argument.
 std::u16string unescapeState(std::string_view text);
@@ -42,7 +44,8 @@ struct Assignment {
   std::string name;
   std::string value;
 };
-Assignment parseAssignment(std::string_view text);  // throws std::invalid_argument
+// Throws std::invalid_argument, naming the option the text came with when one is given.
+Assignment parseAssignment(std::string_view text, std::string_view option = {});
 
 // A state from the initialiser's record with the assignments applied.
 std::u16string buildState(const RecordLayout& layout, const std::vector<Assignment>& sets);

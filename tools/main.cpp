@@ -1,112 +1,262 @@
 // vrdppo: the library from a shell.
 #include <cstring>
+#include <functional>
+#include <initializer_list>
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
 
 #include "commands.hpp"
 #include "vrdppo/error.hpp"
 
 namespace {
 
-constexpr const char* kHelp = R"(usage: vrdppo COMMAND [ARGUMENTS] [OPTIONS]
+constexpr const char* kCommands = R"(
+Each command's own arguments and options: vrdppo COMMAND --help.)";
 
-Commands:
-  classes                      every class, one name per line
-  layout CLASS                 the record: "CLASS<TAB>record bytes<TAB>state chars", then per
-                               field "offset<TAB>bytes<TAB>type<TAB>column<TAB>render"
-  decode CLASS [STATE]         a state (argument, --state or standard input) as named fields;
-                               with --buffer, a Buffer state (what Load returns) as a table
-  encode CLASS [--set F=V]...  a state from fields: --set, or lines "F=V" or decode's own
-                               "F<TAB>TYPE<TAB>VALUE" on standard input
-  sql CLASS OPERATION          every statement the operation sends, one per line, on a
-                               stand-in database (no database is touched)
-  load CLASS                   the class's Load, shown as a table (or --json)
-  commit CLASS --set F=V...    Commit a record (key 0 or left out: insert) and show it after
-  delete CLASS --set KEY=N     Delete a record
-  demo                         a plant's day on a fresh embedded store (vrdppo-demo.db)
+constexpr const char* kFields = R"(
+Fields: --set FIELD=VALUE sets a field of the record, which starts as the class's initialiser
+leaves it; dates as YYYY-MM-DD[ HH:MM[:SS]], strings as text.)";
 
-Options:
-  --set FIELD=VALUE   a field of the record, which starts as the class's initialiser leaves it;
-                      dates as YYYY-MM-DD[ HH:MM[:SS]], strings as text
-  --arg NAME=VALUE    an argument of the operation by its name (sCriteria, lTop, ...)
-  --state TEXT        the whole record state instead of --set
-  --connect STRING    a connection string; the default is the embedded store vrdppo.db in the
-                      working directory, created with its schema on first use. An ODBC string
-                      (DRIVER=... or DSN=...) goes to the ODBC driver manager.
-  --json              JSON (one object per record and line) instead of a table
-  --buffer            decode: the state is a Buffer state of many records
-  -h, --help          this text
+constexpr const char* kArguments = R"(
+Arguments: --arg NAME=VALUE gives an argument of the operation by its name (sCriteria, lTop,
+...); a name the operation does not take, or a value its type cannot hold, is a usage error.)";
 
+constexpr const char* kConnection = R"(
+Connection: --connect STRING; the default is the embedded store vrdppo.db in the working
+directory, created with its schema on first use. An ODBC string (DRIVER=... or DSN=...) goes to
+the ODBC driver manager.)";
+
+constexpr const char* kStateText = R"(
 State text: a state is written as the body of a JSON string, ASCII only, every other UTF-16
-code unit as \uXXXX (a state's tail of U+0000 is \u0000 ...), and a blank at either end as
-\u0020, so that trimming cannot shift it. It is lossless: any state decodes and encodes back
-to itself. decode shows a String*N without its trailing blanks, a
-Date as YYYY-MM-DD HH:MM:SS (or its day count where seconds do not hold it exactly), and the
-trailing field and any non-zero padding bytes as (trailing) and (unused).
+code unit as \uXXXX (a state's tail of U+0000 is \u0000 ...), a blank at either end as \u0020,
+so that trimming cannot shift it, and a leading "-" as \u002d, so that no option parser takes it
+for an option. It is lossless: any state decodes and encodes back to itself. A record's state has
+exactly the class's state length (layout's third number) and a Buffer state the 8 header
+characters plus that length times the count (and the one spare blank Load leaves): any other
+length is refused. decode shows a String*N without its trailing blanks, a Date as
+YYYY-MM-DD HH:MM:SS (or its day count where seconds do not hold it exactly), and the trailing
+field and any non-zero padding bytes as (trailing) and (unused).)";
 
-Exit status: 0 on success, 1 on an error of the library or the database (on standard error its
+constexpr const char* kExitStatus = R"(
+Exit status: 0 on success; 1 on an error of the library or the database (on standard error its
 number, in hex where it is a provider's, its text, SQLSTATE and native number, and the statement
-that failed), 2 on a usage error.
-)";
+that failed); 2 on a usage error, naming what was wrong; 3 when commit or delete did nothing:
+the operation answered False or its statement changed no row.)";
 
-vrdppo::cli::Options parse(int argc, char** argv, int first) {
+std::string joined(std::initializer_list<const char*> parts) {
+  std::string out;
+  // Each part starts on a line of its own; a blank line goes between them.
+  for (const char* p : parts) out += out.empty() ? std::string(p + 1) : "\n" + std::string(p);
+  return out;
+}
+
+// What the options and arguments hold before they become the commands' Options.
+struct Raw {
+  std::string className, operation, path, stateArgument, state, connect;
+  std::vector<std::string> sets, args;
+  bool json = false, buffer = false;
+};
+
+bool given(const CLI::App& command, const char* name) {
+  const CLI::Option* option = command.get_option_no_throw(name);
+  return option != nullptr && option->count() > 0;
+}
+
+vrdppo::cli::Options options(const Raw& raw, const CLI::App& command) {
   vrdppo::cli::Options o;
-  for (int i = first; i < argc; ++i) {
-    const std::string a = argv[i];
-    const auto value = [&]() -> std::string {
-      if (i + 1 >= argc) throw std::invalid_argument(a + " needs a value");
-      return argv[++i];
-    };
-    if (a == "--set") {
-      o.sets.push_back(vrdppo::cli::parseAssignment(value()));
-    } else if (a == "--arg") {
-      o.args.push_back(vrdppo::cli::parseAssignment(value()));
-    } else if (a == "--connect") {
-      o.connect = value();
-    } else if (a == "--state") {
-      o.state = value();
-    } else if (a == "--json") {
-      o.json = true;
-    } else if (a == "--buffer") {
-      o.buffer = true;
-    } else if (a.size() > 1 && a[0] == '-' && a != "-") {
-      throw std::invalid_argument("unknown option " + a);
-    } else {
-      o.positional.push_back(a);
-    }
-  }
+  o.className = raw.className;
+  o.operation = raw.operation;
+  o.path = raw.path;
+  for (const auto& s : raw.sets) o.sets.push_back(vrdppo::cli::parseAssignment(s, "--set"));
+  for (const auto& a : raw.args) o.args.push_back(vrdppo::cli::parseAssignment(a, "--arg"));
+  if (given(command, "--connect")) o.connect = raw.connect;
+  if (given(command, "--state")) o.state = raw.state;
+  if (given(command, "STATE")) o.state = raw.stateArgument;
+  o.json = raw.json;
+  o.buffer = raw.buffer;
   return o;
+}
+
+int run(int argc, char** argv) {
+  using namespace vrdppo::cli;
+  Raw raw;
+  CLI::App app("vrdppo: the persistence library from a shell.", "vrdppo");
+  app.footer(joined({kCommands, kFields, kArguments, kConnection, kStateText, kExitStatus}));
+  app.require_subcommand(1);
+
+  using Run = std::function<int(const Options&)>;
+  std::vector<std::pair<CLI::App*, Run>> commands;
+  const auto command = [&](const char* name, const char* description, Run run,
+                           std::initializer_list<const char*> footer = {kExitStatus}) {
+    CLI::App* c = app.add_subcommand(name, description);
+    c->footer(joined(footer));
+    commands.emplace_back(c, std::move(run));
+    return c;
+  };
+  const auto className = [&](CLI::App* c) {
+    c->add_option("CLASS", raw.className, "a class, as `vrdppo classes` lists them")->required();
+  };
+  const auto sets = [&](CLI::App* c) {
+    return c->add_option("--set", raw.sets, "FIELD=VALUE: a field of the record (repeatable)")
+        ->allow_extra_args(false)
+        ->type_name("FIELD=VALUE");
+  };
+  const auto args = [&](CLI::App* c) {
+    c->add_option("--arg", raw.args, "NAME=VALUE: an argument of the operation (repeatable)")
+        ->allow_extra_args(false)
+        ->type_name("NAME=VALUE");
+  };
+  const auto state = [&](CLI::App* c, CLI::Option* set) {
+    c->add_option("--state", raw.state, "the whole record's state (state text) instead of --set")
+        ->excludes(set);
+  };
+  const auto connect = [&](CLI::App* c, const char* help) {
+    return c->add_option("--connect", raw.connect, help)->type_name("STRING");
+  };
+  constexpr const char* kConnect =
+      "a connection string; the default is the embedded store vrdppo.db in the working directory";
+  const auto json = [&](CLI::App* c) {
+    c->add_flag("--json", raw.json, "JSON, one object per record and line, instead of a table");
+  };
+
+  command("classes", "every class, one name per line",
+          [](const Options& o) { return listClasses(o, std::cout); });
+
+  className(command("layout",
+                    "the record: \"CLASS<TAB>record bytes<TAB>state chars\", then per field "
+                    "\"offset<TAB>bytes<TAB>type<TAB>column<TAB>render\"",
+                    [](const Options& o) { return showLayout(o, std::cout); }));
+
+  {
+    CLI::App* c = command("decode",
+                          "a state (argument, --state or standard input) as named fields; with "
+                          "--buffer, a Buffer state (what Load returns) as a table",
+                          [](const Options& o) { return decode(o, std::cin, std::cout); },
+                          {kStateText, kExitStatus});
+    className(c);
+    CLI::Option* positional = c->add_option("STATE", raw.stateArgument, "the state text");
+    c->add_option("--state", raw.state, "the state text, as the argument")->excludes(positional);
+    c->add_flag("--buffer", raw.buffer, "the state is a Buffer state of many records");
+    json(c);
+  }
+  {
+    CLI::App* c = command("encode",
+                          "a state from fields: --set, or lines \"F=V\" or decode's own "
+                          "\"F<TAB>TYPE<TAB>VALUE\" on standard input",
+                          [](const Options& o) { return encode(o, std::cin, std::cout); },
+                          {kFields, kStateText, kExitStatus});
+    className(c);
+    sets(c);
+  }
+  {
+    CLI::App* c = command("sql",
+                          "every statement the operation sends, one per line, on a stand-in "
+                          "database (no database is touched)",
+                          [](const Options& o) { return showSql(o, std::cout); },
+                          {kFields, kArguments, kStateText, kExitStatus});
+    className(c);
+    c->add_option("OPERATION", raw.operation, "a public member: Load, Commit, Delete, ...")
+        ->required();
+    state(c, sets(c));
+    args(c);
+    connect(c, "the connection string the operation is given (default DSN=vrdppo)");
+  }
+  {
+    CLI::App* c = command("load", "the class's Load, shown as a table (or --json)",
+                          [](const Options& o) { return load(o, std::cout); },
+                          {kArguments, kConnection, kExitStatus});
+    className(c);
+    args(c);
+    connect(c, kConnect);
+    json(c);
+  }
+  {
+    CLI::App* c = command("commit",
+                          "Commit a record (key 0 or left out: insert) and show it after; exit 3 "
+                          "when it changed no row",
+                          [](const Options& o) { return commit(o, std::cout); },
+                          {kFields, kArguments, kConnection, kStateText, kExitStatus});
+    className(c);
+    state(c, sets(c));
+    args(c);
+    connect(c, kConnect);
+    json(c);
+  }
+  {
+    CLI::App* c =
+        command("delete", "Delete the record whose key --set names; exit 3 when it changed no row",
+                [](const Options& o) { return remove(o, std::cout); },
+                {kFields, kArguments, kConnection, kStateText, kExitStatus});
+    className(c);
+    state(c, sets(c));
+    args(c);
+    connect(c, kConnect);
+  }
+  {
+    CLI::App* c =
+        command("demo",
+                "a plant's day on a fresh embedded store (PATH, vrdppo-demo.db by "
+                "default) or on the database --connect names",
+                [](const Options& o) { return demo(o, std::cout); }, {kConnection, kExitStatus});
+    CLI::Option* path = c->add_option("PATH", raw.path, "the store file, made anew");
+    connect(c, "run the day on this connection string instead, keeping what it holds")
+        ->excludes(path);
+  }
+
+  if (argc < 2 || std::strcmp(argv[1], "help") == 0) {
+    std::cout << app.help();
+    return argc < 2 ? 2 : 0;
+  }
+  const auto named = [&](const char* name) -> const CLI::App* {
+    for (const auto& c : commands) {
+      if (c.first->get_name() == name) return c.first;
+    }
+    return nullptr;
+  };
+  if (argv[1][0] != '-' && named(argv[1]) == nullptr) {
+    std::cerr << "vrdppo: unknown command \"" << argv[1] << "\" (see vrdppo --help)\n";
+    return 2;
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    const CLI::App* c = named(argv[1]);
+    std::cerr << "vrdppo: " << e.what() << " (see vrdppo " << (c ? c->get_name() + " " : "")
+              << "--help)\n";
+    return 2;
+  }
+  try {
+    for (const auto& [c, run] : commands) {
+      if (c->parsed()) return run(options(raw, *c));
+    }
+    return 2;  // require_subcommand has ruled this out
+  } catch (const std::invalid_argument& e) {
+    std::cerr << "vrdppo: " << e.what() << "\n";
+    return 2;
+  } catch (const vrdppo::Error& e) {
+    std::cerr << "vrdppo: " << errorText(e);
+    return 1;
+  } catch (const NothingDone& e) {
+    std::cerr << "vrdppo: " << e.what() << "\n";
+    return 3;
+  }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  using namespace vrdppo::cli;
-  if (argc < 2 || !std::strcmp(argv[1], "-h") || !std::strcmp(argv[1], "--help") ||
-      !std::strcmp(argv[1], "help")) {
-    std::cout << kHelp;
-    return argc < 2 ? 2 : 0;
-  }
-  const std::string command = argv[1];
   try {
-    const Options o = parse(argc, argv, 2);
-    if (command == "classes") return listClasses(o, std::cout);
-    if (command == "layout") return showLayout(o, std::cout);
-    if (command == "decode") return decode(o, std::cin, std::cout);
-    if (command == "encode") return encode(o, std::cin, std::cout);
-    if (command == "sql") return showSql(o, std::cout);
-    if (command == "load") return load(o, std::cout);
-    if (command == "commit") return commit(o, std::cout);
-    if (command == "delete") return remove(o, std::cout);
-    if (command == "demo") return demo(o, std::cout);
-    std::cerr << "vrdppo: unknown command \"" << command << "\" (see vrdppo --help)\n";
-    return 2;
-  } catch (const std::invalid_argument& e) {
+    return run(argc, argv);
+  } catch (const std::exception& e) {  // a fault of the tool itself, or memory exhausted
     std::cerr << "vrdppo: " << e.what() << "\n";
-    return 2;
-  } catch (const vrdppo::Error& e) {
-    std::cerr << "vrdppo: " << vrdppo::cli::errorText(e);
     return 1;
   }
 }

@@ -2,6 +2,7 @@
 // picks a provider by the connection string.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,6 +27,9 @@ class ProviderConnection {
   // Runs the text and returns its first result, fetched whole: an open recordset when it has
   // rows, a closed one otherwise. Failures raise vrdppo::Error.
   virtual std::shared_ptr<Recordset> execute(const std::u16string& sql, int options) = 0;
+  // Rows the last execute inserted, updated or deleted (what the platform's Execute answers in
+  // RecordsAffected); -1 when the provider cannot say.
+  virtual std::int64_t recordsAffected() const noexcept { return -1; }
   virtual void setCommandTimeout(int seconds) = 0;
   virtual void close() = 0;
 };
@@ -75,6 +79,13 @@ class Connection {
   void Open(const std::u16string& connect, const std::u16string& user = {},
             const std::u16string& password = {}, int options = adOptionUnspecified);
   std::shared_ptr<Recordset> Execute(const std::u16string& sql, int options = adOptionUnspecified);
+  // As above, with the rows the statement touched in recordsAffected (-1 when the provider
+  // cannot say).
+  std::shared_ptr<Recordset> Execute(const std::u16string& sql, std::int64_t& recordsAffected,
+                                     int options = adOptionUnspecified);
+  // The rows the last Execute touched; -1 before the first, after one that failed, or when the
+  // provider cannot say.
+  std::int64_t RecordsAffected() const noexcept { return recordsAffected_; }
   void Close();
   int State() const noexcept;
 
@@ -83,7 +94,16 @@ class Connection {
   bool open_ = false;
   int cursorLocation_ = 0;  // 0: the provider's default
   int timeout_ = -1;        // -1: the provider's default
+  std::int64_t recordsAffected_ = -1;
 };
+
+// The rows touched by the last statement that this thread executed through any Connection, as
+// Connection::RecordsAffected says it. The operations of the classes send their main statement
+// last (Commit its UPDATE or insert, Delete its DELETE or UPDATE), so after one of them returns
+// this is how many rows it wrote, which their Boolean results do not tell.
+std::int64_t lastRecordsAffected() noexcept;
+// Sets it to -1, so that a caller can tell a statement from none.
+void resetLastRecordsAffected() noexcept;
 
 // The value of a key in a "key=value;key=value" connection string (keys without regard to case,
 // braces around a value removed); empty when absent.

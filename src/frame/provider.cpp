@@ -11,6 +11,8 @@ namespace vrdppo {
 
 namespace {
 
+thread_local std::int64_t lastAffected = -1;
+
 struct Entry {
   int token;
   std::string name;
@@ -109,9 +111,20 @@ void Connection::Open(const std::u16string& connect, const std::u16string& user,
 }
 
 std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql, int options) {
+  std::int64_t affected = -1;
+  return Execute(sql, affected, options);
+}
+
+std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql,
+                                               std::int64_t& recordsAffected, int options) {
+  recordsAffected = -1;
+  recordsAffected_ = -1;
+  lastAffected = -1;
   if (!open_) throw Error::runtime(err::kObjectClosed);
   try {
-    return impl_->execute(sql, options);
+    auto recordset = impl_->execute(sql, options);
+    recordsAffected = recordsAffected_ = lastAffected = impl_->recordsAffected();
+    return recordset;
   } catch (Error& e) {
     // Every statement of the library passes here: the one place to say which of them failed.
     if (e.statement().empty()) e.setStatement(sql);
@@ -123,6 +136,14 @@ void Connection::Close() {
   if (!open_) throw Error::runtime(err::kObjectClosed);
   open_ = false;
   impl_->close();
+}
+
+std::int64_t lastRecordsAffected() noexcept {
+  return lastAffected;
+}
+
+void resetLastRecordsAffected() noexcept {
+  lastAffected = -1;
 }
 
 int Connection::State() const noexcept {

@@ -6,34 +6,52 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <vector>
 
 namespace {
 
 struct Result {
   int status;
-  std::string out;
+  std::string out;  // standard output
+  std::string err;  // standard error
 };
 
-// Runs the tool in a scratch directory with the given arguments (shell-quoted by the caller).
-Result run(const std::string& args, const std::string& input = "") {
+// The scratch directory the tool runs in.
+const std::filesystem::path& scratch() {
   static const std::filesystem::path dir = [] {
     const char* base = std::getenv("VRDPPO_TEST_TMP");
     auto d = std::filesystem::path(base ? base : "/tmp") / ("cli-" + std::to_string(getpid()));
     std::filesystem::create_directories(d);
     return d;
   }();
-  std::string command = "cd '" + dir.string() + "' && ";
+  return dir;
+}
+
+// Runs the tool in the scratch directory with the given arguments (shell-quoted by the caller).
+Result run(const std::string& args, const std::string& input = "") {
+  const std::filesystem::path errors = scratch() / "stderr.txt";
+  std::string command = "cd '" + scratch().string() + "' && ";
   if (!input.empty()) command += "printf '%s' '" + input + "' | ";
-  command += std::string(VRDPPO_CLI) + " " + args + " 2>&1";
+  command += std::string(VRDPPO_CLI) + " " + args + " 2>'" + errors.string() + "'";
   FILE* p = popen(command.c_str(), "r");
-  Result r{0, {}};
+  Result r{0, {}, {}};
   std::array<char, 4096> buf{};
   std::size_t n = 0;
   while ((n = fread(buf.data(), 1, buf.size(), p)) > 0) r.out.append(buf.data(), n);
   const int status = pclose(p);
   r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  std::ifstream in(errors);
+  r.err.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   return r;
+}
+
+// A store of the test's own in the scratch directory, as --connect names it.
+std::string storeOption(const std::string& file) {
+  std::filesystem::remove(scratch() / file);
+  return "--connect 'Provider=vrdppo.Embedded;Data Source=" + file + "'";
 }
 
 }  // namespace
@@ -74,7 +92,7 @@ TEST(Cli, SqlPrintsEveryStatementInOrder) {
             "SET QUOTED_IDENTIFIER OFF\nUPDATE PRODUCTIONGRADE SET DELETEDFLAG = 'Y'\n");
   const Result bad = run("sql cStemsPersist Explode");
   EXPECT_EQ(bad.status, 2);
-  EXPECT_NE(bad.out.find("Commit"), std::string::npos);  // says what the class has
+  EXPECT_NE(bad.err.find("Commit"), std::string::npos);  // says what the class has
 }
 
 TEST(Cli, EncodeAndDecodeAreLossless) {
@@ -94,7 +112,7 @@ TEST(Cli, EncodeAndDecodeAreLossless) {
             "(trailing)\tString*15\tStemId\n");
   EXPECT_EQ(run("encode cStemsPersist", decoded.out).out, encoded.out);
   // A state with odd bytes in the padding still round-trips.
-  const std::string odd = "\\u0001\\u0000" + std::string(52, 'x') + "\\u0041";
+  const std::string odd = "\\u0001\\u0000" + std::string(40, 'x') + "\\u0041";
   const Result oddDecoded = run("decode cStemsPersist --state '" + odd + "'");
   EXPECT_NE(oddDecoded.out.find("(unused)"), std::string::npos);
   const Result again = run("encode cStemsPersist", oddDecoded.out);
@@ -115,11 +133,11 @@ TEST(Cli, CommitLoadDeleteOnTheDefaultStore) {
   const Result missing = run("load cStemsPersist --arg 'sCriteria=NoSuchColumn = 1'");
   EXPECT_EQ(missing.status, 1);
   // A provider's number in hex, its SQLSTATE and native number, and the statement that failed.
-  EXPECT_NE(missing.out.find("error 0x80040E14: [vrdppo.Embedded]no such column: NoSuchColumn "
+  EXPECT_NE(missing.err.find("error 0x80040E14: [vrdppo.Embedded]no such column: NoSuchColumn "
                              "(SQLSTATE 42S22, native 207)\n"
                              "  in the statement: SELECT * FROM STEMS WHERE NoSuchColumn = 1\n"),
             std::string::npos)
-      << missing.out;
+      << missing.err;
 }
 
 TEST(Cli, ClassesAndHelp) {
@@ -129,4 +147,135 @@ TEST(Cli, ClassesAndHelp) {
   EXPECT_EQ(run("--help").status, 0);
   EXPECT_EQ(run("layout cNothing").status, 2);
   EXPECT_EQ(run("frobnicate").status, 2);
+}
+
+TEST(Cli, BadInvocationsAreUsageErrorsThatNameTheOffender) {
+  const struct {
+    const char* args;
+    const char* named;  // what standard error must name
+  } cases[] = {
+      {"frobnicate", "frobnicate"},
+      {"load cStemsPersist --bogus", "--bogus"},
+      {"layout cStemsPersist extra", "extra"},
+      {"layout", "CLASS"},
+      {"encode cStemsPersist --arg lTop=1", "--arg"},  // encode has no --arg
+      {"decode cStemsPersist --connect x", "--connect"},
+      {"load cStemsPersist --arg lTop=1", "lTop"},  // a first-generation Load has no lTop
+      {"load cGreenGradePersist --arg bogus=1", "bogus"},
+      {"load cGreenGradePersist --arg lTop=x", "lTop"},
+      {"load cGreenGradePersist --arg lTop=1 --arg LTOP=2", "LTOP"},
+      {"load cGreenGradePersist --arg =1", "=1"},
+      {"commit cStemsPersist --set NoSuchField=1", "NoSuchField"},
+      {"commit cStemsPersist --set StemsId", "StemsId"},
+      {"commit cStemsPersist --set StemsId=x", "StemsId"},
+      {"commit cStemsPersist --set StemsId=1 --state abc", "--state"},
+      {"delete cStemsPersist", "StemsId"},  // no key: nothing to delete
+      {"delete cvRunPickingTypesPersist --set ProductionRunId=1", "view"},
+      {"sql cStemsPersist Load --state abc", "43"},
+      {"demo here.db --connect 'DSN=x'", "--connect"},
+  };
+  for (const auto& c : cases) {
+    const Result r = run(c.args);
+    EXPECT_EQ(r.status, 2) << c.args << "\n" << r.err;
+    EXPECT_NE(r.err.find(c.named), std::string::npos) << c.args << "\n" << r.err;
+    EXPECT_EQ(r.out, "") << c.args;
+  }
+}
+
+TEST(Cli, StatesOfTheWrongLengthAreRefused) {
+  const Result encoded = run("encode cStemsPersist --set StemsId=901");
+  ASSERT_EQ(encoded.status, 0);
+  const std::string record = encoded.out.substr(0, encoded.out.size() - 1);  // 43 characters
+  const auto header = [](int length, int count) {
+    char text[64];
+    std::snprintf(text, sizeof text, "\\u%04x\\u0000\\u000a\\u0000\\u000a\\u0000\\u%04x\\u0000",
+                  length, count);
+    return std::string(text);
+  };
+  const struct {
+    std::string args;
+    int status;
+  } cases[] = {
+      {"decode cStemsPersist '" + record + "'", 0},
+      {"decode cStemsPersist ''", 2},
+      {"decode cStemsPersist abc", 2},
+      {"decode cStemsPersist '" + record + "x'", 2},
+      {"decode cStemsPersist '" + record.substr(0, record.size() - 6) + "'", 2},  // one \u0000
+      // A Buffer state: the header, L × n characters, and the spare blank or not.
+      {"decode cStemsPersist --buffer '" + header(43, 1) + record + "\\u0020'", 0},
+      {"decode cStemsPersist --buffer '" + header(43, 1) + record + "'", 0},
+      {"decode cStemsPersist --buffer '" + header(43, 0) + "'", 0},
+      {"decode cStemsPersist --buffer ''", 2},
+      {"decode cStemsPersist --buffer '" + header(43, 1) + "'", 2},
+      {"decode cStemsPersist --buffer '" + header(43, 2) + record + "'", 2},
+      {"decode cStemsPersist --buffer '" + header(43, 1) + record + "xy'", 2},
+      {"decode cStemsPersist --buffer '" + header(42, 1) + record.substr(6) + "'", 2},
+      {"decode cStemsPersist --buffer '" + header(43, 0xffff) + record + "'", 2},
+      {"commit cStemsPersist --state abc", 2},
+  };
+  for (const auto& c : cases) {
+    const Result r = run(c.args);
+    EXPECT_EQ(r.status, c.status) << c.args << "\n" << r.err;
+    if (c.status == 2) {
+      EXPECT_NE(r.err.find("characters"), std::string::npos) << r.err;
+    }
+  }
+  EXPECT_NE(run(cases[5].args).out.find("(1 record)"), std::string::npos);
+}
+
+TEST(Cli, CommitAndDeleteThatChangeNoRowFail) {
+  const std::string store = storeOption("missing-key.db");
+  const Result update =
+      run("commit cStemsPersist --set StemsId=99 --set TotalNetWeight=1 " + store);
+  EXPECT_EQ(update.status, 3);
+  EXPECT_EQ(update.out, "");
+  EXPECT_NE(update.err.find("StemsId 99"), std::string::npos) << update.err;
+  EXPECT_EQ(run("delete cStemsPersist --set StemsId=99 " + store).status, 3);
+
+  const Result insert = run("commit cStemsPersist --set TotalNetWeight=1 --json " + store);
+  ASSERT_EQ(insert.status, 0) << insert.err;
+  EXPECT_EQ(insert.out.substr(0, 13), "{\"StemsId\":1,") << insert.out;
+  EXPECT_EQ(run("commit cStemsPersist --set StemsId=1 --set TotalNetWeight=2 " + store).status, 0);
+  const Result deleted = run("delete cStemsPersist --set StemsId=1 " + store);
+  EXPECT_EQ(deleted.status, 0) << deleted.err;
+  EXPECT_EQ(deleted.out, "deleted\n");
+  EXPECT_EQ(run("delete cStemsPersist --set StemsId=1 " + store).status, 3);
+}
+
+TEST(Cli, DemoRunsWhereConnectSays) {
+  const Result r = run("demo " + storeOption("elsewhere.db"));
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out.substr(0, 56), "A plant's day on Provider=vrdppo.Embedded;Data Source=el");
+  EXPECT_TRUE(std::filesystem::exists(scratch() / "elsewhere.db"));
+  EXPECT_FALSE(std::filesystem::exists(scratch() / "vrdppo-demo.db"));
+  // A connection string that reaches nothing is an error of the database, not ignored.
+  const Result nowhere = run("demo --connect 'DSN=vrdppo-no-such-source'");
+  EXPECT_EQ(nowhere.status, 1);
+  EXPECT_NE(nowhere.err.find("IM002"), std::string::npos) << nowhere.err;
+}
+
+TEST(Cli, EachCommandShowsItsOwnOptions) {
+  const struct {
+    const char* command;
+    std::vector<const char*> has, hasNot;
+  } cases[] = {
+      {"decode", {"--buffer", "--state", "STATE"}, {"--connect", "--set"}},
+      {"encode", {"--set"}, {"--arg", "--connect"}},
+      {"load", {"--arg", "--connect", "--json"}, {"--set", "--buffer"}},
+      {"commit", {"--set", "--state", "--arg", "--connect", "--json"}, {"--buffer"}},
+      {"delete", {"--set", "--connect"}, {"--json"}},
+      {"demo", {"PATH", "--connect"}, {"--set"}},
+  };
+  for (const auto& c : cases) {
+    const Result r = run(std::string(c.command) + " --help");
+    EXPECT_EQ(r.status, 0) << c.command;
+    // The usage line, the arguments and the options, ahead of the notes that close the help.
+    const std::string options = r.out.substr(0, r.out.find("\n\n", r.out.find("Options:")));
+    for (const char* option : c.has) {
+      EXPECT_NE(options.find(option), std::string::npos) << c.command << " " << option;
+    }
+    for (const char* option : c.hasNot) {
+      EXPECT_EQ(options.find(option), std::string::npos) << c.command << " " << option;
+    }
+  }
 }

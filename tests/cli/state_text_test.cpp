@@ -22,6 +22,8 @@ TEST(StateText, BlanksAtEitherEndSurvive) {
     EXPECT_EQ(unescapeState("  \"" + text + "\"\n"), s) << text;
   }
   EXPECT_EQ(escapeState(u" a b "), "\\u0020a b\\u0020");
+  // Nor is a leading '-' taken for an option on the command line.
+  EXPECT_EQ(escapeState(u"-a-"), "\\u002da-");
 }
 
 TEST(StateText, RandomStatesRoundTrip) {

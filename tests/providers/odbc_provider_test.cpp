@@ -106,6 +106,33 @@ TEST(OdbcProvider, RunsStatementsThroughTheConnectionObject) {
   EXPECT_EQ(liveHandles(), before);
 }
 
+TEST(OdbcProvider, CountsTheRowsEachStatementTouched) {
+  Connection conn;
+  conn.Open(freshDatabase("affected"));
+  std::int64_t affected = 99;
+  conn.Execute(u"CREATE TABLE t(id integer, name varchar(10))", affected);
+  conn.Execute(u"INSERT INTO t VALUES(1, 'one'), (2, 'two'), (3, 'three')", affected);
+  EXPECT_EQ(affected, 3);
+  const struct {
+    const char16_t* sql;
+    std::int64_t rows;
+  } cases[] = {
+      {u"UPDATE t SET name = 'x' WHERE id >= 2", 2},
+      {u"UPDATE t SET name = 'x' WHERE id = 99", 0},  // the driver answers SQL_NO_DATA
+      {u"DELETE FROM t WHERE id = 1", 1},
+      {u"DELETE FROM t WHERE id = 1", 0},
+  };
+  for (const auto& c : cases) {
+    conn.Execute(c.sql, affected);
+    EXPECT_EQ(affected, c.rows) << toUtf8(c.sql);
+    EXPECT_EQ(conn.RecordsAffected(), c.rows) << toUtf8(c.sql);
+    EXPECT_EQ(lastRecordsAffected(), c.rows) << toUtf8(c.sql);
+  }
+  EXPECT_THROW(conn.Execute(u"UPDATE nowhere SET v = 1", affected), Error);
+  EXPECT_EQ(affected, -1);
+  conn.Close();
+}
+
 TEST(OdbcProvider, ConnectsThroughADataSourceName) {
   const std::u16string dsn = std::u16string(u"DSN=") + testing::kTestDsn;
   auto c = openOdbc(dsn);

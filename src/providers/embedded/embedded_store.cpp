@@ -32,8 +32,13 @@ class EmbeddedConnection final : public ProviderConnection {
       throw storeError(err::kNoCommandText, "Command text was not set for the command object.",
                        "HY000", 0);
     }
+    affected_ = -1;
     try {
-      return session_->execute(sql);
+      // Every row the text changed, those of the procedures it calls included.
+      const std::int64_t before = session_->totalChanges();
+      auto result = session_->execute(sql);
+      affected_ = session_->totalChanges() - before;
+      return result;
     } catch (const Error&) {
       throw;
     } catch (const std::bad_alloc&) {
@@ -43,12 +48,15 @@ class EmbeddedConnection final : public ProviderConnection {
     }
   }
 
+  std::int64_t recordsAffected() const noexcept override { return affected_; }
+
   void setCommandTimeout(int) override {}
 
   void close() override { session_.reset(); }
 
  private:
   std::unique_ptr<Session> session_;
+  std::int64_t affected_ = -1;
 };
 
 }  // namespace

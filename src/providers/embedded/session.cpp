@@ -169,4 +169,8 @@ std::int64_t Session::changes() const noexcept {
   return sqlite3_changes64(db_.get());
 }
 
+std::int64_t Session::totalChanges() const noexcept {
+  return sqlite3_total_changes64(db_.get());
+}
+
 }  // namespace vrdppo::embedded

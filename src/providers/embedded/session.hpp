@@ -54,6 +54,8 @@ class Session {
   std::int64_t lastInsertId() const noexcept;
   // Rows changed by the last INSERT, UPDATE or DELETE.
   std::int64_t changes() const noexcept;
+  // Rows changed since the connection opened, by every statement and trigger.
+  std::int64_t totalChanges() const noexcept;
 
  private:
   std::shared_ptr<Recordset> statement(const Tokens& tokens, std::size_t begin, std::size_t end);

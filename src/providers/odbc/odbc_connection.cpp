@@ -72,6 +72,7 @@ class OdbcConnection final : public ProviderConnection {
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int /*options*/) override {
     if (!connected_) throw Error::runtime(err::kObjectClosed);
+    affected_ = -1;
     Handle stmt(SQL_HANDLE_STMT, dbc_.get());
     if (timeout_ >= 0) applyTimeout(stmt);
     auto text = wide(sql);
@@ -79,12 +80,15 @@ class OdbcConnection final : public ProviderConnection {
         SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
     // SQL_NO_DATA: a searched update or delete that touched no row.
     if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
+    affected_ = rc == SQL_NO_DATA ? 0 : rowCount(stmt);
     SQLSMALLINT columns = 0;
     check(SQLNumResultCols(stmt.get(), &columns), stmt, "SQLNumResultCols");
     // Only the first result counts: a row count first means no rows, whatever follows.
     if (columns == 0) return std::make_shared<Recordset>();
     return fetchAll(stmt, columns);
   }
+
+  std::int64_t recordsAffected() const noexcept override { return affected_; }
 
   void close() override {
     if (!connected_) throw Error::runtime(err::kObjectClosed);
@@ -105,6 +109,13 @@ class OdbcConnection final : public ProviderConnection {
     if (state != "HYC00" && state != "01S02") fail(stmt, "SQLSetStmtAttrW");
   }
 
+  // What the driver says of the statement's rows: -1 where it cannot say (a SELECT, for most).
+  static std::int64_t rowCount(const Handle& stmt) noexcept {
+    SQLLEN rows = -1;
+    if (!SQL_SUCCEEDED(SQLRowCount(stmt.get(), &rows))) return -1;
+    return rows;
+  }
+
   void release() noexcept {
     if (connected_) SQLDisconnect(dbc_.get());
     connected_ = false;
@@ -117,6 +128,7 @@ class OdbcConnection final : public ProviderConnection {
   bool connected_ = false;
   int cursorLocation_ = adUseClient;
   int timeout_ = kDefaultCommandTimeout;
+  std::int64_t affected_ = -1;
 };
 
 bool isOdbcString(std::u16string_view connect) {
