@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "providers/embedded/errors.hpp"
@@ -106,14 +107,17 @@ void Catalog::mix(std::string_view text) noexcept {
 }
 
 void Catalog::table(std::string name, std::string_view columns) {
-  Table t{std::move(name), {}};
+  Table t{name, {}};
+  Declared d{std::move(name), {}};
   mix(t.name);
   for (auto def : splitColumns(columns)) {
     const auto space = def.find_first_of(" \t\n");
     t.columns.emplace_back(std::string(def.substr(0, space)), withCollation(def));
+    d.columns.emplace_back(t.columns.back().first, std::string(def));
     mix(t.columns.back().second);
   }
   tables_.push_back(std::move(t));
+  declared_.push_back(std::move(d));
 }
 
 void Catalog::view(std::string name, std::string_view select) {
@@ -129,6 +133,13 @@ void Catalog::statement(std::string sql) {
 
 void Catalog::procedure(std::u16string_view name, Procedure body) {
   procedures_[upperAscii(name)] = std::move(body);
+}
+
+std::vector<std::u16string> Catalog::procedureNames() const {
+  std::vector<std::u16string> names;
+  for (const auto& [name, body] : procedures_) names.push_back(name);
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 const Procedure* Catalog::findProcedure(std::u16string_view name) const {

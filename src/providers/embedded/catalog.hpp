@@ -39,6 +39,16 @@ class Catalog {
   void procedure(std::u16string_view name, Procedure body);
 
   const Procedure* findProcedure(std::u16string_view name) const;
+  // The declarations as written, for whoever states the same schema in another dialect.
+  struct Declared {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> columns;  // name, definition as written
+  };
+  const std::vector<Declared>& tables() const noexcept { return declared_; }
+  const std::vector<std::pair<std::string, std::string>>& views() const noexcept { return views_; }
+  const std::vector<std::string>& statements() const noexcept { return statements_; }
+  std::vector<std::u16string> procedureNames() const;
+
   // A number that changes with the schema text; stores record the one they were built for.
   std::int32_t stamp() const noexcept { return stamp_; }
   // Creates or updates the schema on db (inside the caller's transaction). Raises on failure.
@@ -52,6 +62,7 @@ class Catalog {
   void mix(std::string_view text) noexcept;
 
   std::vector<Table> tables_;
+  std::vector<Declared> declared_;
   std::vector<std::pair<std::string, std::string>> views_;
   std::vector<std::string> statements_;
   std::unordered_map<std::u16string, Procedure> procedures_;  // by upper-case name

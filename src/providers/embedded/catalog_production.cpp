@@ -500,7 +500,7 @@ void addProductionCatalog(Catalog& c) {
            pg.PRODUCTIONGREENGRADEID AS ProductionGreenGradeId, pg.GreenGradeId AS GreenGradeId
     FROM PRODUCTIONRUN r
     INNER JOIN PRODUCTIONGREENGRADE pg ON pg.ProductionGradeId = r.ProductionGradeId
-    WHERE IFNULL(pg.DeletedFlag, '') <> 'Y')");
+    WHERE COALESCE(pg.DeletedFlag, '') <> 'Y')");
 
   c.view("VRUNREDRIEDGRADELIST", R"(
     SELECT rr.ProductionGreenGradeId AS ProductionGreenGradeId,
