@@ -289,6 +289,15 @@ TEST(OdbcProvider, ReportsDriverErrorsWithStateNativeErrorAndText) {
   }
 }
 
+TEST(OdbcProvider, RefusesAnEmptyCommandAsTheEmbeddedStoreDoes) {
+  auto c = openOdbc(freshDatabase("empty"));
+  for (const char16_t* sql : {u"", u"   "}) {
+    const Error e = errorOf([&] { c->execute(sql, adOptionUnspecified); });
+    EXPECT_EQ(e.number(), err::kNoCommandText);
+    EXPECT_EQ(e.description(), "Command text was not set for the command object.");
+  }
+}
+
 TEST(OdbcProvider, FailsToOpenWithTheDriverManagersMessage) {
   const auto before = liveHandles();
   const struct {

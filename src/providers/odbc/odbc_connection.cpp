@@ -4,7 +4,9 @@
 #include "providers/odbc/odbc_fetch.hpp"
 #include "providers/odbc/odbc_handles.hpp"
 #include "providers/odbc/odbc_provider.hpp"
+#include "vrdppo/error.hpp"
 #include "vrdppo/provider.hpp"
+#include "vrdppo/text.hpp"
 
 namespace vrdppo::odbc {
 
@@ -73,6 +75,12 @@ class OdbcConnection final : public ProviderConnection {
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int /*options*/) override {
     if (!connected_) throw Error::runtime(err::kObjectClosed);
     affected_ = -1;
+    // The provider refuses an empty command itself, as the embedded store does, rather than
+    // hand the driver manager a length it rejects.
+    if (trimBlanks(sql).empty()) {
+      throw Error(err::kNoCommandText, "Command text was not set for the command object.",
+                  kErrorSource, "HY000");
+    }
     Handle stmt(SQL_HANDLE_STMT, dbc_.get());
     if (timeout_ >= 0) applyTimeout(stmt);
     auto text = wide(sql);
