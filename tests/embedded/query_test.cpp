@@ -199,6 +199,22 @@ INSTANTIATE_TEST_SUITE_P(
                 102},
         Refusal{u"SELECT TOP 1.5 * FROM STEMS", 1060}));
 
+TEST_F(QueryStoreTest, NestingStopsWhereAServerStops) {
+  const auto nested = [](int levels) {
+    std::u16string text = u"SELECT StemsId FROM STEMS WHERE StemsId IN ";
+    for (int i = 0; i < levels; ++i) text += u"(SELECT TOP 2 StemsId FROM STEMS WHERE StemsId IN ";
+    text += u"(1, 2, 3)";
+    text.append(static_cast<std::size_t>(levels), u')');
+    return text;
+  };
+  EXPECT_EQ(firstColumn(nested(8) + u" ORDER BY StemsId"), "1,2");
+  EXPECT_EQ(errorOf([&] { sql(nested(40)); }).nativeError(), 191);  // SQLite's parser stops
+  EXPECT_EQ(errorOf([&] { sql(nested(100)); }).nativeError(), 191);
+  const std::u16string parens(100000, u'(');
+  EXPECT_EQ(errorOf([&] { sql(u"SELECT " + parens + u"SELECT 1"); }).nativeError(), 191);
+  EXPECT_EQ(errorOf([&] { sql(u"SELECT " + parens + u"1"); }).nativeError(), 191);
+}
+
 // The text SQLite is given, where the shape of the rewrite is the point.
 TEST(QueryTranslation, MembersWithATopBecomeSubqueries) {
   const auto text = [](std::u16string_view sql, bool quotedIdentifier = false) {

@@ -60,7 +60,7 @@ QuerySpec parseSpec(const Tokens& t, std::size_t select, std::size_t end) {
       throw storeError(err::kCommandError,
                        "The number of rows provided for a TOP or FETCH clauses row count "
                        "parameter must be an integer.",
-                       "42000", 1060);
+                       "42000", native::kTopNotInteger);
     }
     const std::size_t after = t.skip(last + 1, end);
     if (after < end && (t.isWord(after, u"PERCENT") || t.isWord(after, u"WITH"))) {
@@ -131,6 +131,13 @@ SelectItem selectItem(const Tokens& t, std::size_t begin, std::size_t end) {
   return item;
 }
 
+// After blanks and opening parentheses from i comes a SELECT.
+bool leadsToSelect(const Tokens& t, std::size_t i, std::size_t end) {
+  i = t.skip(i, end);
+  while (i < end && t.isPunct(i, u'(')) i = t.skip(i + 1, end);
+  return i < end && t.isWord(i, u"SELECT");
+}
+
 }  // namespace
 
 bool isSetOperator(const Tokens& t, std::size_t i) {
@@ -150,14 +157,26 @@ std::size_t findTopLevel(const Tokens& t, std::size_t from, std::size_t end,
 }
 
 bool isQuery(const Tokens& t, std::size_t begin, std::size_t end) {
-  const std::size_t first = t.skip(begin, end);
-  if (first >= end) return false;
-  if (t.isWord(first, u"SELECT")) return true;
-  if (!t.isPunct(first, u'(')) return false;
-  const std::size_t close = t.closing(first, end);
-  if (close >= end || !isQuery(t, first + 1, close)) return false;
-  const std::size_t next = t.skip(close + 1, end);
-  return next >= end || isSetOperator(t, next) || isOrderBy(t, next, end);
+  if (!leadsToSelect(t, begin, end)) return false;
+  // Each parenthesis before the SELECT must close before a set operator, ORDER BY or the end.
+  std::size_t open = t.skip(begin, end);
+  for (std::size_t depth = 0; t.isPunct(open, u'('); ++depth) {
+    if (depth == kMaxQueryNesting) throw nestedTooDeeply();
+    const std::size_t close = t.closing(open, end);
+    if (close >= end) return false;
+    const std::size_t next = t.skip(close + 1, end);
+    if (next < end && !isSetOperator(t, next) && !isOrderBy(t, next, end)) return false;
+    end = close;
+    open = t.skip(open + 1, end);
+  }
+  return true;
+}
+
+Error nestedTooDeeply() {
+  return storeError(err::kCommandError,
+                    "Some part of your SQL statement is nested too deeply. Rewrite the query or "
+                    "break it up into smaller queries.",
+                    "42000", native::kNestedTooDeeply);
 }
 
 Query parseQuery(const Tokens& t, std::size_t begin, std::size_t end) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tokenizer.hpp"
+#include "vrdppo/error.hpp"
 
 namespace vrdppo::embedded {
 
@@ -50,6 +51,11 @@ struct Query {
 // a set operator or ORDER BY ("((SELECT 1) + 1)" holds none; "((SELECT 1) UNION (SELECT 2))"
 // does).
 bool isQuery(const Tokens& t, std::size_t begin, std::size_t end);
+
+// How deep queries may nest in one another; a server stops well before.
+inline constexpr std::size_t kMaxQueryNesting = 64;
+// The server's error for a statement nested deeper than that.
+Error nestedTooDeeply();
 
 // The query in [begin, end), which must start with SELECT or "(". Raises the store's syntax
 // error for what the server rejects (an ORDER BY before a set operator, a member that is no

@@ -15,9 +15,9 @@ namespace vrdppo::embedded {
 namespace {
 
 // Words that end a table reference in a FROM list rather than name its alias.
-constexpr std::array<std::u16string_view, 17> kNotAliases{
-    u"INNER", u"LEFT",  u"RIGHT",  u"FULL",  u"OUTER", u"CROSS",  u"JOIN",   u"ON", u"WHERE",
-    u"GROUP", u"ORDER", u"HAVING", u"UNION", u"WITH",  u"EXCEPT", u"OPTION", u"SET"};
+constexpr std::array<std::u16string_view, 18> kNotAliases{
+    u"INNER", u"LEFT",  u"RIGHT",  u"FULL",  u"OUTER",     u"CROSS",  u"JOIN",   u"ON",  u"WHERE",
+    u"GROUP", u"ORDER", u"HAVING", u"UNION", u"INTERSECT", u"EXCEPT", u"OPTION", u"SET", u"WITH"};
 
 bool isNotAlias(std::u16string_view word) {
   for (auto w : kNotAliases) {
@@ -83,7 +83,7 @@ class Translator {
  private:
   // A pair of parentheses being written.
   struct Frame {
-    std::size_t close;     // the ")" that ends it, or the end of the text
+    std::size_t open;      // the "(", or kNone for the text around all parentheses
     bool collate = false;  // the call it belongs to yields a date text
   };
 
@@ -117,7 +117,12 @@ class Translator {
   }
 
   void emit(std::size_t begin, std::size_t end) {
-    std::vector<Frame> frames{{end}};
+    std::vector<Frame> frames{{kNone}};
+    std::size_t parensEnd = 0;  // the first token after the run of "(" last looked at
+    // Where the innermost open parentheses close.
+    const auto frameEnd = [&] {
+      return frames.back().open == kNone ? end : t_.closing(frames.back().open, end);
+    };
     bool pendingCollate = false;
     for (std::size_t i = begin; i < end; ++i) {
       if (drop_[i]) continue;
@@ -161,21 +166,31 @@ class Translator {
           break;
         case Tok::Punct:
           if (t_.isPunct(i, u'(')) {
-            const std::size_t close = t_.closing(i, end);
-            const std::size_t after = close < end ? t_.skip(close + 1, end) : end;
-            if (after < end && isSetOperator(t_, after) && isQuery(t_, i + 1, close)) {
+            if (i >= parensEnd) {
+              // A run of "(" shares what follows it: look once per run, not once per "(".
+              parensEnd = i + 1;
+              while (parensEnd < end && (isBlank(parensEnd) || t_.isPunct(parensEnd, u'('))) {
+                ++parensEnd;
+              }
+            }
+            const bool leads = parensEnd < end && t_.isWord(parensEnd, u"SELECT");
+            const std::size_t close = leads ? t_.closing(i, end) : end;
+            const bool subquery = close < end && isQuery(t_, i + 1, close);
+            const std::size_t after = subquery ? t_.skip(close + 1, end) : end;
+            if (after < end && isSetOperator(t_, after)) {
               // INSERT ... (SELECT ...) UNION ...: the parentheses hold the query's first member.
-              query(i, frames.back().close);
-              i = frames.back().close - 1;
+              const std::size_t stop = frameEnd();
+              query(i, stop);
+              i = stop - 1;
               break;
             }
             out_ += u'(';
-            if (close < end && isQuery(t_, i + 1, close)) {
-              query(i + 1, close);  // a subquery: its own TOP, ORDER BY and aliases
+            if (subquery) {
+              query(i + 1, close);  // its own TOP, ORDER BY and aliases
               out_ += u')';
               i = close;
             } else {
-              frames.push_back({close, pendingCollate});
+              frames.push_back({i, pendingCollate});
             }
             pendingCollate = false;
           } else if (t_.isPunct(i, u')') && frames.size() > 1) {
@@ -193,8 +208,9 @@ class Translator {
         case Tok::Word:
           if (t_.isWord(i, u"SELECT")) {
             // INSERT ... SELECT, WITH ... SELECT: the query runs to the end of its parentheses.
-            query(i, frames.back().close);
-            i = frames.back().close - 1;
+            const std::size_t stop = frameEnd();
+            query(i, stop);
+            i = stop - 1;
           } else {
             i = word(i, end, frames, pendingCollate);
           }
@@ -234,7 +250,7 @@ class Translator {
       // The datepart is a bare word in T-SQL; the functions take it as text.
       out_ += text;
       out_ += u'(';
-      frames.push_back({t_.closing(next, end), upper == u"DATEADD"});
+      frames.push_back({next, upper == u"DATEADD"});
       const std::size_t arg = t_.skip(next + 1, end);
       if (arg < end && t_[arg].kind == Tok::Word) {
         appendStringLiteral(out_, t_.text(arg));
@@ -265,7 +281,7 @@ class Translator {
     if (type.empty()) throw syntaxErrorNear(u",");
     out_ += u"vr_convert(";
     appendStringLiteral(out_, type);
-    frames.push_back({t_.closing(open, end), isDateType(type)});
+    frames.push_back({open, isDateType(type)});
     return comma - 1;
   }
 
@@ -312,6 +328,12 @@ class Translator {
 
   // A query: its members joined by their set operators, then the ORDER BY of the whole.
   void query(std::size_t begin, std::size_t end) {
+    struct Level {
+      std::size_t& depth;
+      explicit Level(std::size_t& d) : depth(++d) {}
+      ~Level() { --depth; }
+    } level(depth_);
+    if (depth_ > kMaxQueryNesting) throw nestedTooDeeply();
     const Query q = parseQuery(t_, begin, end);
     if (q.members.size() == 1 && !q.members.front().parenthesised) {
       select(q.members.front().spec, q.orderBy, q.end);  // the ORDER BY is the SELECT's own
@@ -520,6 +542,7 @@ class Translator {
 
   const Tokens& t_;
   bool qi_;
+  std::size_t depth_ = 0;  // queries open around the one being written
   bool caseless_ = false;
   std::vector<std::uint8_t> drop_;
   std::u16string out_;
