@@ -31,6 +31,9 @@ Class classify(int extended, std::string_view message) {
         return {err::kCommandError, "42000", native::kUnknownFunction};
       if (startsWith(message, "not authorized"))  // a function the confinement refuses
         return {err::kCommandError, "42000", native::kPermissionDenied};
+      if (startsWith(message, "parser stack overflow") ||
+          startsWith(message, "Expression tree is too large"))
+        return {err::kCommandError, "42000", native::kNestedTooDeeply};
       if (startsWith(message, "Conversion failed"))
         return {err::kCommandError, "22018", native::kConversion};
       if (message.find("syntax error") != std::string_view::npos ||

@@ -27,6 +27,8 @@ inline constexpr std::int32_t kTooManyArguments = 8144;
 inline constexpr std::int32_t kUnknownProcedure = 2812;
 inline constexpr std::int32_t kConversion = 241;
 inline constexpr std::int32_t kPermissionDenied = 229;
+inline constexpr std::int32_t kNestedTooDeeply = 191;
+inline constexpr std::int32_t kTopNotInteger = 1060;
 }  // namespace native
 
 // An error of the store: the prefix, then the message.

@@ -129,6 +129,17 @@ Tokens::Tokens(std::u16string_view source) : src_(source) {
     }
     toks_.push_back({kind, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(i)});
   }
+  // Matching parentheses once, so that finding a ")" costs nothing however often it is asked.
+  closers_.assign(toks_.size(), toks_.size());
+  std::vector<std::size_t> open;
+  for (std::size_t k = 0; k < toks_.size(); ++k) {
+    if (isPunct(k, u'(')) {
+      open.push_back(k);
+    } else if (isPunct(k, u')') && !open.empty()) {
+      closers_[open.back()] = k;
+      open.pop_back();
+    }
+  }
 }
 
 std::size_t Tokens::skip(std::size_t i, std::size_t end) const noexcept {
@@ -143,18 +154,6 @@ bool Tokens::isWord(std::size_t i, std::u16string_view word) const noexcept {
 bool Tokens::isPunct(std::size_t i, char16_t c) const noexcept {
   return i < toks_.size() && toks_[i].kind == Tok::Punct && toks_[i].end - toks_[i].begin == 1 &&
          src_[toks_[i].begin] == c;
-}
-
-std::size_t Tokens::closing(std::size_t open, std::size_t end) const noexcept {
-  int depth = 0;
-  for (std::size_t i = open; i < end; ++i) {
-    if (isPunct(i, u'(')) {
-      ++depth;
-    } else if (isPunct(i, u')')) {
-      if (--depth == 0) return i;
-    }
-  }
-  return end;
 }
 
 std::vector<std::pair<std::size_t, std::size_t>> Tokens::statements() const {

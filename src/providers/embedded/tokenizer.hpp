@@ -46,7 +46,9 @@ class Tokens {
   bool isWord(std::size_t i, std::u16string_view word) const noexcept;
   bool isPunct(std::size_t i, char16_t c) const noexcept;
   // The index of the ")" closing the "(" at i, or end when it is not closed before end.
-  std::size_t closing(std::size_t open, std::size_t end) const noexcept;
+  std::size_t closing(std::size_t open, std::size_t end) const noexcept {
+    return open < closers_.size() && closers_[open] < end ? closers_[open] : end;
+  }
 
   // The statements of a batch: ranges of tokens between top-level ";".
   std::vector<std::pair<std::size_t, std::size_t>> statements() const;
@@ -54,6 +56,7 @@ class Tokens {
  private:
   std::u16string_view src_;
   std::vector<Token> toks_;
+  std::vector<std::size_t> closers_;  // for each "(", the index of its ")"; size() when none
 };
 
 // The value of a String, Quoted or Bracketed token: the text inside, its doubled closing

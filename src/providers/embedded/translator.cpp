@@ -1,10 +1,12 @@
 #include "providers/embedded/translator.hpp"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
 #include "providers/embedded/dates.hpp"
 #include "providers/embedded/errors.hpp"
+#include "providers/embedded/query.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/text.hpp"
 
@@ -13,9 +15,9 @@ namespace vrdppo::embedded {
 namespace {
 
 // Words that end a table reference in a FROM list rather than name its alias.
-constexpr std::array<std::u16string_view, 17> kNotAliases{
-    u"INNER", u"LEFT",  u"RIGHT",  u"FULL",  u"OUTER", u"CROSS",  u"JOIN",   u"ON", u"WHERE",
-    u"GROUP", u"ORDER", u"HAVING", u"UNION", u"WITH",  u"EXCEPT", u"OPTION", u"SET"};
+constexpr std::array<std::u16string_view, 18> kNotAliases{
+    u"INNER", u"LEFT",  u"RIGHT",  u"FULL",  u"OUTER",     u"CROSS",  u"JOIN",   u"ON",  u"WHERE",
+    u"GROUP", u"ORDER", u"HAVING", u"UNION", u"INTERSECT", u"EXCEPT", u"OPTION", u"SET", u"WITH"};
 
 bool isNotAlias(std::u16string_view word) {
   for (auto w : kNotAliases) {
@@ -70,6 +72,8 @@ class Translator {
                 t_.isWord(first, u"WITH") || t_.isPunct(first, u'(');
     if (t_.isWord(first, u"UPDATE")) {
       update(first, end);
+    } else if (t_.isPunct(first, u'(') && isQuery(t_, first, end)) {
+      query(first, end);
     } else {
       emit(begin, end);
     }
@@ -77,9 +81,10 @@ class Translator {
   }
 
  private:
+  // A pair of parentheses being written.
   struct Frame {
-    std::u16string_view limit;  // a TOP met at this depth: " LIMIT n" before the frame closes
-    bool collate = false;       // the call this frame belongs to yields a date text
+    std::size_t open;      // the "(", or kNone for the text around all parentheses
+    bool collate = false;  // the call it belongs to yields a date text
   };
 
   bool isNameToken(std::size_t i) const {
@@ -107,8 +112,17 @@ class Translator {
     if (!out_.empty() && out_.back() != u' ') out_ += u' ';
   }
 
+  void trimBlank() {
+    while (!out_.empty() && out_.back() == u' ') out_.pop_back();
+  }
+
   void emit(std::size_t begin, std::size_t end) {
-    std::vector<Frame> frames(1);
+    std::vector<Frame> frames{{kNone}};
+    std::size_t parensEnd = 0;  // the first token after the run of "(" last looked at
+    // Where the innermost open parentheses close.
+    const auto frameEnd = [&] {
+      return frames.back().open == kNone ? end : t_.closing(frames.back().open, end);
+    };
     bool pendingCollate = false;
     for (std::size_t i = begin; i < end; ++i) {
       if (drop_[i]) continue;
@@ -152,17 +166,36 @@ class Translator {
           break;
         case Tok::Punct:
           if (t_.isPunct(i, u'(')) {
-            frames.push_back({});
-            frames.back().collate = pendingCollate;
-            pendingCollate = false;
+            if (i >= parensEnd) {
+              // A run of "(" shares what follows it: look once per run, not once per "(".
+              parensEnd = i + 1;
+              while (parensEnd < end && (isBlank(parensEnd) || t_.isPunct(parensEnd, u'('))) {
+                ++parensEnd;
+              }
+            }
+            const bool leads = parensEnd < end && t_.isWord(parensEnd, u"SELECT");
+            const std::size_t close = leads ? t_.closing(i, end) : end;
+            const bool subquery = close < end && isQuery(t_, i + 1, close);
+            const std::size_t after = subquery ? t_.skip(close + 1, end) : end;
+            if (after < end && isSetOperator(t_, after)) {
+              // INSERT ... (SELECT ...) UNION ...: the parentheses hold the query's first member.
+              const std::size_t stop = frameEnd();
+              query(i, stop);
+              i = stop - 1;
+              break;
+            }
             out_ += u'(';
+            if (subquery) {
+              query(i + 1, close);  // its own TOP, ORDER BY and aliases
+              out_ += u')';
+              i = close;
+            } else {
+              frames.push_back({i, pendingCollate});
+            }
+            pendingCollate = false;
           } else if (t_.isPunct(i, u')') && frames.size() > 1) {
             const Frame f = frames.back();
             frames.pop_back();
-            if (!f.limit.empty()) {
-              out_ += u" LIMIT ";
-              out_ += f.limit;
-            }
             out_ += u')';
             if (f.collate) {
               out_ += u" COLLATE ";
@@ -173,14 +206,16 @@ class Translator {
           }
           break;
         case Tok::Word:
-          i = word(i, end, frames, pendingCollate);
+          if (t_.isWord(i, u"SELECT")) {
+            // INSERT ... SELECT, WITH ... SELECT: the query runs to the end of its parentheses.
+            const std::size_t stop = frameEnd();
+            query(i, stop);
+            i = stop - 1;
+          } else {
+            i = word(i, end, frames, pendingCollate);
+          }
           break;
       }
-    }
-    if (!frames.front().limit.empty()) {
-      space();
-      out_ += u"LIMIT ";
-      out_ += frames.front().limit;
     }
   }
 
@@ -197,7 +232,6 @@ class Translator {
     const std::size_t next = t_.skip(i + 1, end);
     const bool call = next < end && t_.isPunct(next, u'(');
     const auto upper = upperAscii(text);
-    if (upper == u"SELECT") return select(i, end, frames.back());
     if (!call) {
       out_ += text;
       return i;
@@ -216,8 +250,7 @@ class Translator {
       // The datepart is a bare word in T-SQL; the functions take it as text.
       out_ += text;
       out_ += u'(';
-      frames.push_back({});
-      frames.back().collate = upper == u"DATEADD";
+      frames.push_back({next, upper == u"DATEADD"});
       const std::size_t arg = t_.skip(next + 1, end);
       if (arg < end && t_[arg].kind == Tok::Word) {
         appendStringLiteral(out_, t_.text(arg));
@@ -248,8 +281,7 @@ class Translator {
     if (type.empty()) throw syntaxErrorNear(u",");
     out_ += u"vr_convert(";
     appendStringLiteral(out_, type);
-    frames.push_back({});
-    frames.back().collate = isDateType(type);
+    frames.push_back({open, isDateType(type)});
     return comma - 1;
   }
 
@@ -290,43 +322,126 @@ class Translator {
     return close;
   }
 
-  // SELECT [DISTINCT | ALL] [TOP n | TOP (n)]: the TOP moves to a LIMIT at the frame's end.
-  std::size_t select(std::size_t i, std::size_t end, Frame& frame) {
-    out_ += t_.text(i);
-    std::size_t j = t_.skip(i + 1, end);
-    if (t_.isWord(j, u"DISTINCT") || t_.isWord(j, u"ALL")) {
-      out_ += u' ';
-      out_ += t_.text(j);
-      i = j;
-      j = t_.skip(j + 1, end);
-    }
-    if (!t_.isWord(j, u"TOP")) return i;
-    std::size_t n = t_.skip(j + 1, end);
-    std::size_t last = n;
-    if (t_.isPunct(n, u'(')) {
-      n = t_.skip(n + 1, end);
-      last = t_.skip(n + 1, end);
-      if (!t_.isPunct(last, u')')) throw syntaxErrorNear(u"TOP");
-    }
-    if (n >= end || t_[n].kind != Tok::Number) throw syntaxErrorNear(u"TOP");
-    const std::size_t after = t_.skip(last + 1, end);
-    if (t_.isWord(after, u"PERCENT") || t_.isWord(after, u"WITH")) {
-      throw syntaxErrorNear(t_.text(after));
-    }
-    frame.limit = t_.text(n);
-    return last;
+  bool isBlank(std::size_t i) const {
+    return t_[i].kind == Tok::Space || t_[i].kind == Tok::Comment;
   }
 
-  // The next top-level word `word` in [from, end), or end.
-  std::size_t findTop(std::size_t from, std::size_t end, std::u16string_view word) const {
-    for (std::size_t i = from; i < end; ++i) {
-      if (t_.isPunct(i, u'(')) {
-        i = t_.closing(i, end);
-      } else if (t_.isWord(i, word)) {
-        return i;
-      }
+  // A query: its members joined by their set operators, then the ORDER BY of the whole.
+  void query(std::size_t begin, std::size_t end) {
+    struct Level {
+      std::size_t& depth;
+      explicit Level(std::size_t& d) : depth(++d) {}
+      ~Level() { --depth; }
+    } level(depth_);
+    if (depth_ > kMaxQueryNesting) throw nestedTooDeeply();
+    const Query q = parseQuery(t_, begin, end);
+    if (q.members.size() == 1 && !q.members.front().parenthesised) {
+      select(q.members.front().spec, q.orderBy, q.end);  // the ORDER BY is the SELECT's own
+      return;
     }
-    return end;
+    // SQLite takes no LIMIT on a member and reads INTERSECT, UNION and EXCEPT left to right,
+    // where T-SQL's INTERSECT binds first. So a member with a TOP, a parenthesised member and a
+    // run of INTERSECTs after the first member each become a subquery.
+    std::size_t k = 0;
+    while (k < q.members.size()) {
+      std::size_t last = k;
+      while (last < q.operators.size() && q.operators[last].intersect) ++last;
+      const bool group = k > 0 && last > k;
+      if (k > 0) setOperator(q.operators[k - 1]);
+      if (group) out_ += u"SELECT * FROM (";
+      for (std::size_t m = k; m <= last; ++m) {
+        if (m > k) setOperator(q.operators[m - 1]);
+        member(q.members[m]);
+      }
+      if (group) {
+        trimBlank();
+        out_ += u')';
+      }
+      k = last + 1;
+    }
+    if (q.orderBy < q.end) {
+      space();
+      emit(q.orderBy, q.end);
+    }
+  }
+
+  void setOperator(const SetOperator& op) {
+    space();
+    emit(op.begin, op.end);
+    space();
+  }
+
+  void member(const QueryMember& m) {
+    if (m.parenthesised) {
+      out_ += u"SELECT * FROM (";
+      query(m.begin + 1, m.end - 1);
+      trimBlank();
+      out_ += u')';
+    } else if (m.spec.top.empty()) {
+      select(m.spec, m.spec.end, m.spec.end);
+    } else {
+      out_ += u"SELECT * FROM (";
+      select(m.spec, m.spec.end, m.spec.end);
+      out_ += u')';
+    }
+  }
+
+  // One SELECT, the ORDER BY in [orderBy, orderEnd) that binds to it, then its TOP as a LIMIT.
+  void select(const QuerySpec& s, std::size_t orderBy, std::size_t orderEnd) {
+    std::u16string shadowed;
+    if (!renameFrom_.empty() && declares(s, renameFrom_)) shadowed.swap(renameFrom_);
+    out_ += t_.text(s.select);
+    if (s.quantifier != s.select) {
+      out_ += u' ';
+      out_ += t_.text(s.quantifier);
+    }
+    if (!s.top.empty()) space();
+    selectList(s.list, s.from);
+    emit(s.from, s.end);
+    if (orderBy < orderEnd) {
+      space();
+      emit(orderBy, orderEnd);
+    }
+    if (!s.top.empty()) {
+      trimBlank();
+      out_ += u" LIMIT ";
+      out_ += s.top;
+    }
+    if (!shadowed.empty()) renameFrom_.swap(shadowed);
+  }
+
+  // The items of a select list, each alias written as SQLite reads one: expression AS "name".
+  void selectList(std::size_t begin, std::size_t end) {
+    bool first = true;
+    for (const SelectItem& item : selectItems(t_, begin, end)) {
+      if (!first) out_ += u',';
+      first = false;
+      if (item.alias == kNone) {
+        emit(item.begin, item.end);
+        continue;
+      }
+      if (t_.skip(item.begin, item.end) > item.begin) space();
+      emit(item.exprBegin, item.exprEnd);
+      trimBlank();
+      out_ += u" AS ";
+      const auto name = t_.text(item.alias);
+      appendIdentifier(out_,
+                       t_[item.alias].kind == Tok::Word ? std::u16string(name) : unquote(name));
+      if (item.end > item.begin && isBlank(item.end - 1)) space();
+    }
+  }
+
+  // The SELECT's FROM names a table or alias `name` of its own, which hides the UPDATE target.
+  bool declares(const QuerySpec& s, std::u16string_view name) const {
+    if (s.from >= s.end) return false;
+    std::size_t stop = s.end;
+    for (const auto* w : {u"WHERE", u"GROUP", u"HAVING"}) {
+      stop = std::min(stop, findTopLevel(t_, s.from + 1, s.end, w));
+    }
+    for (const auto& r : tableRefs(s.from + 1, stop)) {
+      if (equalsNoCase(r.alias.empty() ? r.table : r.alias, name)) return true;
+    }
+    return false;
   }
 
   std::vector<TableRef> tableRefs(std::size_t begin, std::size_t end) const {
@@ -377,13 +492,13 @@ class Translator {
   // assignment, and where T-SQL names the target again in its FROM, the two are one row source;
   // the target's rows are then picked by rowid through a subquery over the whole FROM.
   void update(std::size_t first, std::size_t end) {
-    const std::size_t set = findTop(first + 1, end, u"SET");
+    const std::size_t set = findTopLevel(t_, first + 1, end, u"SET");
     if (set >= end) {
       emit(first, end);
       return;
     }
-    const std::size_t from = findTop(set + 1, end, u"FROM");
-    const std::size_t where = findTop(from < end ? from + 1 : set + 1, end, u"WHERE");
+    const std::size_t from = findTopLevel(t_, set + 1, end, u"FROM");
+    const std::size_t where = findTopLevel(t_, from < end ? from + 1 : set + 1, end, u"WHERE");
     dropSetQualifiers(set + 1, from < end ? from : where);
     std::size_t target = t_.skip(first + 1, set);
     if (target < set && isSchemaPrefix(target)) target = t_.skip(target + 2, set);
@@ -427,6 +542,7 @@ class Translator {
 
   const Tokens& t_;
   bool qi_;
+  std::size_t depth_ = 0;  // queries open around the one being written
   bool caseless_ = false;
   std::vector<std::uint8_t> drop_;
   std::u16string out_;
