@@ -195,7 +195,9 @@ std::string fieldText(const Column& c, const std::byte* record) {
       const Date d = readField<Date>(record, c.offset);
       try {
         const DateParts p = splitDate(d);
-        if (makeDate(p.year, p.month, p.day, p.hour, p.minute, p.second).days == d.days) {
+        // Exact to the bit: -0 compares equal to the 0 the calendar form reads back as.
+        const double back = makeDate(p.year, p.month, p.day, p.hour, p.minute, p.second).days;
+        if (std::bit_cast<std::uint64_t>(back) == std::bit_cast<std::uint64_t>(d.days)) {
           return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", p.year, p.month, p.day, p.hour,
                              p.minute, p.second);
         }

@@ -63,3 +63,17 @@ TEST(StateText, EveryDoubleFieldReadsBackToItsBits) {
     EXPECT_EQ(std::memcmp(record, back, 8), 0) << text;
   }
 }
+
+// A Date field's text is exact to the bit too: -0 days is no midnight of 1899-12-30.
+TEST(StateText, EveryDateFieldReadsBackToItsBits) {
+  const vrdppo::Column column{u"LastUpdated", u"LastUpdated", vrdppo::FieldType::Date, 0, 0,
+                              vrdppo::Render::None, u""};
+  for (const double days : {-0.0, 0.0, 36526.5, -1.25, 1e-12}) {
+    std::byte record[8];
+    std::memcpy(record, &days, 8);
+    const std::string text = vrdppo::cli::fieldText(column, record);
+    std::byte back[8] = {};
+    vrdppo::cli::setFieldText(column, back, text);
+    EXPECT_EQ(std::memcmp(record, back, 8), 0) << text;
+  }
+}
