@@ -1,6 +1,7 @@
 // Buffer states with scripts of member calls. The first byte chooses between a crafted state
 // (any header, any records) and a Buffer built by Initialize and Add, whose records must come
 // back from Item exactly; each following group of bytes is one call.
+#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -18,9 +19,9 @@ constexpr std::size_t kMaxText = std::size_t{1} << 20;
 bool addFits(const Buffer& b) {
   if (b.textLength() > kMaxText) return false;
   if (b.Count() != b.capacity()) return true;
-  const std::int64_t more =
-      (std::int64_t{b.estimate()} / 2 + 1) * (b.Length() < 0 ? 0 : b.Length());
-  return more <= kMaxGrowth;
+  // Growth is half the estimate times the length, signs and all (two negatives make room).
+  const double more = static_cast<double>(b.estimate()) / 2.0 * b.Length();
+  return std::abs(more) <= static_cast<double>(kMaxGrowth);
 }
 
 std::u16string padded(std::u16string r, std::size_t length) {
