@@ -1,9 +1,9 @@
 // Reading a fuzzer's bytes as the values the library takes.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <algorithm>
 #include <cstring>
 #include <string>
 

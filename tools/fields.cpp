@@ -3,8 +3,8 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <optional>
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 #include <fmt/format.h>
