@@ -5,7 +5,8 @@ packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
           libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
           libcli11-dev nlohmann-json3-dev
-          python3 python3-pip python3-setuptools python3-wheel)
+          python3 python3-pip python3-setuptools python3-wheel
+          clang-14 libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

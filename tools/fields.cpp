@@ -1,7 +1,10 @@
 #include "fields.hpp"
 
+#include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -30,13 +33,34 @@ std::string_view trimmed(std::string_view s) {
   return s.substr(first, s.find_last_not_of(kBlanks) - first + 1);
 }
 
+// A NaN's bits are part of the state: it is written as "nan:" and its 16 hex digits, so that
+// any NaN (and not only the one "nan" reads as) comes back unchanged.
+constexpr std::string_view kNanPrefix = "nan:";
+
+std::optional<double> nanOf(std::string_view s) {
+  if (s.size() != kNanPrefix.size() + 16 || s.substr(0, kNanPrefix.size()) != kNanPrefix) {
+    return std::nullopt;
+  }
+  std::uint64_t bits = 0;
+  const auto digits = s.substr(kNanPrefix.size());
+  const auto r = std::from_chars(digits.data(), digits.data() + digits.size(), bits, 16);
+  if (r.ec != std::errc() || r.ptr != digits.data() + digits.size()) return std::nullopt;
+  const double v = std::bit_cast<double>(bits);
+  if (!std::isnan(v)) return std::nullopt;
+  return v;
+}
+
 std::string shortestDouble(double v) {
+  if (std::isnan(v)) {
+    return fmt::format("{}{:016x}", kNanPrefix, std::bit_cast<std::uint64_t>(v));
+  }
   char buf[64];
   const auto r = std::to_chars(buf, buf + sizeof buf, v);
   return std::string(buf, r.ptr);
 }
 
 double parseDouble(std::string_view s) {
+  if (const auto nan = nanOf(s)) return *nan;
   double v = 0;
   const auto r = std::from_chars(s.data(), s.data() + s.size(), v);
   if (r.ec != std::errc() || r.ptr != s.data() + s.size()) {
@@ -46,6 +70,7 @@ double parseDouble(std::string_view s) {
 }
 
 bool looksLikeNumber(std::string_view s) {
+  if (nanOf(s)) return true;
   double v = 0;
   const auto r = std::from_chars(s.data(), s.data() + s.size(), v);
   return r.ec == std::errc() && r.ptr == s.data() + s.size();
@@ -172,7 +197,9 @@ std::string fieldText(const Column& c, const std::byte* record) {
       const Date d = readField<Date>(record, c.offset);
       try {
         const DateParts p = splitDate(d);
-        if (makeDate(p.year, p.month, p.day, p.hour, p.minute, p.second).days == d.days) {
+        // Exact to the bit: -0 compares equal to the 0 the calendar form reads back as.
+        const double back = makeDate(p.year, p.month, p.day, p.hour, p.minute, p.second).days;
+        if (std::bit_cast<std::uint64_t>(back) == std::bit_cast<std::uint64_t>(d.days)) {
           return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", p.year, p.month, p.day, p.hour,
                              p.minute, p.second);
         }

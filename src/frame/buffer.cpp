@@ -132,7 +132,7 @@ void Buffer::Remove(std::int16_t index) {
       right(text_, long32((std::int64_t{count_} - index - 1) * std::int64_t{recordLength_}));
   text_ = l + r;
   count_ = long32(std::int64_t{count_} - 1);
-  if (currentItem_ >= count_) currentItem_ = count_ - 1;
+  if (currentItem_ >= count_) currentItem_ = long32(std::int64_t{count_} - 1);
 }
 
 std::u16string Buffer::GetState() const {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 
 #include "support/error_number.hpp"
 
@@ -205,4 +206,14 @@ TEST(Buffer, PositionsFromACraftedHeaderOverflow) {
   Buffer b;
   b.SetState(state);
   EXPECT_EQ(b.Item(2), u"");
+}
+
+// Remove takes the count below the smallest Long's neighbour: the current item that follows it
+// overflows, raising error 6 as every other sum does, after the record and the count have gone.
+TEST(Buffer, RemovingFromTheSmallestCountOverflowsTheCurrentItem) {
+  Buffer b;
+  // Length 0, count -2147483647.
+  b.SetState(std::u16string{u'\0', u'\0', u'\0', u'\0', u'\0', u'\0', u'\x0001', u'\x8000'});
+  EXPECT_EQ(numberOf([&] { b.Remove(0); }), err::kOverflow);
+  EXPECT_EQ(b.Count(), std::numeric_limits<std::int32_t>::min());
 }

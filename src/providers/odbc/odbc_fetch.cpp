@@ -255,7 +255,11 @@ void fetchBlocks(const Handle& stmt, const std::vector<Column>& columns, Records
   if (!SQL_SUCCEEDED(SQLSetStmtAttrW(stmt.get(), SQL_ATTR_ROW_ARRAY_SIZE, attrValue(rows), 0)) ||
       !SQL_SUCCEEDED(SQLGetStmtAttrW(stmt.get(), SQL_ATTR_ROW_ARRAY_SIZE, &rows, 0, nullptr)) ||
       rows == 0 || rows > kMaxBlockRows) {
+    // The driver may hold a size other than the one it reported (or failed to report): the
+    // buffers below have room for one row, so the statement must fetch one.
     rows = 1;
+    check(SQLSetStmtAttrW(stmt.get(), SQL_ATTR_ROW_ARRAY_SIZE, attrValue(rows), 0), stmt,
+          "SQLSetStmtAttrW");
   }
 
   struct Bound {
