@@ -218,10 +218,15 @@ class Road : public ::testing::Test {
     const Outcome store = run(*t.store, store_);
     ++steps_;
     classesWalked_.insert(c.name);
-    const bool reordered =
+    // And a TOP without ORDER BY may take any of the rows: the same count is all that holds.
+    const bool bothBuffers =
         member == "Load" && server.value && store.value && server.error == store.error &&
-        server.value->type() == VarType::String && store.value->type() == VarType::String &&
-        sameRecordsInAnyOrder(server.value->str(), store.value->str(), c.layout->stateChars);
+        server.value->type() == VarType::String && store.value->type() == VarType::String;
+    const bool reordered =
+        bothBuffers &&
+        (sameRecordsInAnyOrder(server.value->str(), store.value->str(), c.layout->stateChars) ||
+         (what == "lTop 1" && server.value->str().size() == store.value->str().size() &&
+          server.value->str().compare(0, 8, store.value->str(), 0, 8) == 0));
     if (reordered) ++reordered_;
     if (!(server == store) && !reordered) {
       ++differences_;
