@@ -292,11 +292,15 @@ int declaredLength(std::u16string_view table, std::u16string_view column) {
 
 // Text that quoting, escaping and code pages must all carry: both quotes, letters beyond ASCII.
 const std::u16string kText = u"O'Brien \"Müller\" café € ";
+// The first generation's insert leaves a double quote in a value as it is, which ends the
+// procedure's literal early; those classes' rows carry everything else.
+const std::u16string kTextWithoutDoubleQuote = u"O'Brien Müller café € ";
 
 // A record for row 1 or 2 of a table: the key 0 (a new row), every Long the row's number (so
 // that the views join row n of each table to row n of the others), numbers negative and
 // fractional, dates with and without a time, and the longest text the column holds.
-std::u16string newRow(const ClassInfo& c, const TableConfig& config, int row) {
+std::u16string newRow(const ClassInfo& c, const TableConfig& config, int row,
+                      const std::u16string& text) {
   auto scratch = c.create();
   PersistObject& o = *scratch;
   const RecordLayout& layout = o.layout();
@@ -327,7 +331,7 @@ std::u16string newRow(const ClassInfo& c, const TableConfig& config, int row) {
           if (n == 1) {
             s = row == 1 ? u"N" : u"A";
           } else {
-            while (s.size() < n) s += kText;
+            while (s.size() < n) s += text;
             s.resize(n);
             if (row == 2 && n > 2) s[0] = u'B';
             if (s.back() == u' ') s.back() = u'.';  // a trailing blank would be trimmed on read
@@ -340,6 +344,14 @@ std::u16string newRow(const ClassInfo& c, const TableConfig& config, int row) {
     storeField(col, o.recordBytes(), v);
   }
   return o.GetState();
+}
+
+// Whether a row can hold a double quote: a String longer than one character.
+bool hasString(const ClassInfo& c) {
+  for (const Column& col : c.layout->columns) {
+    if (col.type == FieldType::String && col.length > 1) return true;
+  }
+  return false;
 }
 
 // The key a table's row holds, in its state.
@@ -423,16 +435,20 @@ TEST_F(Road, TablesInsertLoadAndUpdate) {
     SCOPED_TRACE(c->name);
     Walked w{c, twin(*c), {}, {}, 0};
     const TableConfig& config = configOf(*w.twin.server);
-    const std::u16string first = newRow(*c, config, 1);
+    const std::u16string& text = config.doubleQuotesInInsert ? kText : kTextWithoutDoubleQuote;
+    const std::u16string first = newRow(*c, config, 1, text);
     step(*c, w.twin, "Commit", {Variant(first), Variant(server_)}, "insert row 1");
     w.row1 = w.twin.store->GetState();
-    const std::u16string second = newRow(*c, config, 2);
+    const std::u16string second = newRow(*c, config, 2, text);
     step(*c, w.twin, "Commit", {Variant(second), Variant(server_)}, "insert row 2");
     w.row2 = w.twin.store->GetState();
     w.key1 = keyOf(*c, config, w.row1);
-    // A class whose state does not carry the new key back is loaded by the whole table alone.
-    if (w.key1 == 0)
-      std::printf("[ road     ] %s: no key in the state after insert\n", c->name.c_str());
+    EXPECT_NE(w.key1, 0) << c->name << ": no key in the state after insert";
+    // Where the insert leaves a double quote as it is, the statement breaks on both engines.
+    if (!config.doubleQuotesInInsert && hasString(*c)) {
+      step(*c, w.twin, "Commit", {Variant(newRow(*c, config, 3, kText)), Variant(server_)},
+           "insert text holding a double quote");
+    }
 
     step(*c, w.twin, "Load", loadArgs(*c, keyCriteria(config, w.key1)), "by key");
     step(*c, w.twin, "Load", loadArgs(*c, u""), "every row");
