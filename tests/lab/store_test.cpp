@@ -1,6 +1,9 @@
 // The laboratory classes end to end on a real embedded store: every table through its public
 // operations, every view against what was written, the header lock, the notes and the calls
 // that the store's procedures answer.
+#include <cstdlib>
+#include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -395,6 +398,44 @@ TEST_F(LabWorld, SamplesAreAddedToAndTakenFromTheirHeadersCounts) {
   EXPECT_TRUE(inf.LabAddInfraalyzer(u"", connect, reading));
   EXPECT_TRUE(inf.LabRemoveInfraalyzer(u"", connect, reading));
   EXPECT_FALSE(inf.LabAddInfraalyzer(u"", connect, 9999));
+}
+
+// A zone far from UTC for one test, so that a stamp taken in UTC shows.
+class FarZone {
+ public:
+  FarZone() {
+    if (const char* tz = std::getenv("TZ")) saved_ = tz;
+    setenv("TZ", "VRD-5:45", 1);
+    tzset();
+  }
+  FarZone(const FarZone&) = delete;
+  FarZone& operator=(const FarZone&) = delete;
+  ~FarZone() {
+    if (saved_) {
+      setenv("TZ", saved_->c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+    tzset();
+  }
+
+ private:
+  std::optional<std::string> saved_;
+};
+
+// The procedures stamp holds and advice notes with the local time, as the server's GETDATE does.
+TEST_F(LabWorld, StampsAreLocalTime) {
+  const FarZone zone;
+  packed(grade, 2019, u"PKS");
+  cLabPackedPersist p;
+  ASSERT_TRUE(p.CreateAdviceNotes(u"", connect, company, 2019));
+  ASSERT_TRUE(p.qsp_OnHoldCheck(u"", connect, grade, 130, u"MOI", 4));
+  const auto minutesAgo = [&](std::u16string_view column, std::u16string_view table) {
+    return toLong(scalar(u"SELECT ABS(DATEDIFF(minute, " + std::u16string(column) +
+                         u", GETDATE())) FROM " + std::u16string(table)));
+  };
+  EXPECT_LE(minutesAgo(u"HoldDate", u"ONHOLD WHERE ContainerNumber = 130"), 1);
+  EXPECT_LE(minutesAgo(u"SampleDateTime", u"LABPACKED WHERE SampleType = 'ADA'"), 1);
 }
 
 TEST_F(LabWorld, HoldsPrizingForeignBalesAndTheExport) {

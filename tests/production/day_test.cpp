@@ -219,8 +219,11 @@ TEST_F(Day, PostPrizeAndZap) {
   o.AssignRunSequence(newState<cProductionRunPersist>([&](auto& r) { r.ProductionRunId = other; }),
                       connect, 0);
   EXPECT_EQ(scalar(u"SELECT RunSequence FROM PRODUCTIONRUN WHERE " + ofRun), 1);
-  o.AssignRunSequence(state, connect, other);  // swapped
+  o.AssignRunSequence(state, connect, other);  // swapped, each taking the other's
   EXPECT_EQ(scalar(u"SELECT RunSequence FROM PRODUCTIONRUN WHERE " + ofRun), 2);
+  EXPECT_EQ(
+      scalar(u"SELECT RunSequence FROM PRODUCTIONRUN WHERE PRODUCTIONRUNID = " + longText(other)),
+      1);
   o.ReleaseToPrizing(state, connect);
   EXPECT_FALSE(o.bGradeChangeInProgress(state, connect));
   o.CompletePrizing(state, connect, 3);

@@ -112,7 +112,7 @@ std::shared_ptr<Recordset> createAdviceNotes(Session& s, const ProcArgs& args) {
             count);
         s.run(std::string("INSERT INTO ") + f.samples +
                   " (ProductionGradeId, LabSeason, SampleDateTime, SampleType, SampleCount) "
-                  "VALUES (?, ?, datetime('now'), 'ADA', ?)",
+                  "VALUES (?, ?, getdate(), 'ADA', ?)",
               {Variant(grade), Variant(season), Variant(count)});
         const auto note = static_cast<std::int32_t>(s.lastInsertId());
         s.run(std::string("INSERT INTO ") + f.sums + " (ParentID, ChildID, SumType) SELECT ?, x." +
@@ -160,7 +160,7 @@ std::shared_ptr<Recordset> onHoldCheck(Session& s, const ProcArgs& args) {
     if (status.find_first_not_of(u' ') != std::u16string::npos) {
       s.run(
           "INSERT INTO ONHOLD (ProductionGradeId, ContainerNumber, OnHoldType, UserID, HoldDate) "
-          "VALUES (?, ?, ?, ?, datetime('now'))",
+          "VALUES (?, ?, ?, ?, getdate())",
           {Variant(grade), Variant(container), Variant(status), Variant(user)});
     }
   });

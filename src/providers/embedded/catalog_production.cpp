@@ -123,12 +123,20 @@ std::shared_ptr<Recordset> prizingAssignRunSequence(Session& session, const Proc
           {run});
       return;
     }
-    session.run(
-        "UPDATE PRODUCTIONRUN SET RunSequence = CASE PRODUCTIONRUNID "
-        "WHEN ?1 THEN (SELECT RunSequence FROM PRODUCTIONRUN WHERE PRODUCTIONRUNID = ?2) "
-        "ELSE (SELECT RunSequence FROM PRODUCTIONRUN WHERE PRODUCTIONRUNID = ?1) END "
-        "WHERE PRODUCTIONRUNID IN (?1, ?2)",
-        {run, swap});
+    // Both sequences are read before either is written: SQLite's UPDATE runs its subqueries
+    // row by row against rows already changed, where a server reads them as they were.
+    const auto sequenceOf = [&](const Variant& id) {
+      const auto rs =
+          session.run("SELECT RunSequence FROM PRODUCTIONRUN WHERE PRODUCTIONRUNID = ?", {id});
+      if (rs->State() != adStateOpen || rs->EOF_()) return Variant::null();
+      return rs->Fields(std::size_t{0});
+    };
+    const Variant runSequence = sequenceOf(run);
+    const Variant swapSequence = sequenceOf(swap);
+    session.run("UPDATE PRODUCTIONRUN SET RunSequence = ? WHERE PRODUCTIONRUNID = ?",
+                {swapSequence, run});
+    session.run("UPDATE PRODUCTIONRUN SET RunSequence = ? WHERE PRODUCTIONRUNID = ?",
+                {runSequence, swap});
   });
   return none();
 }
