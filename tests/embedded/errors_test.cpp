@@ -60,7 +60,20 @@ INSTANTIATE_TEST_SUITE_P(
         Failure{u"SELECT @x", err::kCommandError, "42000", 137,
                 "[vrdppo.Embedded]Must declare the scalar variable \"@x\"."},
         Failure{u"INSERT INTO STEMS (STEMSID) VALUES (1)", err::kCommandError, "23000", 2627,
-                "..."}));
+                "..."},
+        Failure{u"INSERT INTO PICKINGTYPE (Description, DeletedFlag) VALUES ('', 'NO')",
+                err::kCommandError, "22001", 8152,
+                "[vrdppo.Embedded]String or binary data would be truncated."},
+        Failure{u"INSERT INTO PICKINGTYPE (Description) VALUES (REPLICATE('x', 51))",
+                err::kCommandError, "22001", 8152, "..."}));
+
+// Blanks past a text's declared length are dropped by the server, not refused; a text of its
+// full length, or of non-ASCII letters counted as characters, fits.
+TEST_F(StoreTest, TextFitsItsColumnUpToBlanksAtItsEnd) {
+  sql(u"INSERT INTO PICKINGTYPE (Description, DeletedFlag) VALUES ('N', 'Y   ')");
+  sql(u"INSERT INTO PICKINGTYPE (Description) VALUES (REPLICATE('\u00e9', 50))");
+  EXPECT_EQ(toLong(scalar(u"SELECT COUNT(*) FROM PICKINGTYPE")), 2);
+}
 
 TEST(OpenFailures, AreProviderFailures) {
   const std::string dir = freshStorePath("notadir") + "/missing/store.db";

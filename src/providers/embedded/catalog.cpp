@@ -63,19 +63,31 @@ std::vector<std::string_view> splitColumns(std::string_view columns) {
   return out;
 }
 
-std::string withCollation(std::string_view definition) {
+// A column as the store declares it: texts compare without regard to case and dates by their
+// moments, as on the server; a text longer than its declared length is refused, as the server
+// refuses it, though blanks at its end are let through (the server drops them).
+std::string storeDefinition(std::string_view definition) {
   std::string def(definition);
   const std::string up = upper(definition);
-  if (up.find(" COLLATE ") != std::string::npos) return def;
-  const auto typeStart = up.find_first_not_of(' ', up.find(' '));
+  const auto nameEnd = up.find(' ');
+  const auto typeStart = up.find_first_not_of(' ', nameEnd);
   if (typeStart == std::string::npos) return def;
   const auto typeEnd = up.find_first_of(" (", typeStart);
   const std::string type =
       up.substr(typeStart, typeEnd == std::string::npos ? std::string::npos : typeEnd - typeStart);
   if (type == "VARCHAR" || type == "NVARCHAR" || type == "CHAR" || type == "NCHAR" ||
       type == "TEXT" || type == "NTEXT") {
-    def += " COLLATE NOCASE";
-  } else if (type == "DATETIME" || type == "DATE" || type == "SMALLDATETIME") {
+    if (up.find(" COLLATE ") == std::string::npos) def += " COLLATE NOCASE";
+    if (typeEnd != std::string::npos && up[typeEnd] == '(') {
+      const auto close = up.find(')', typeEnd);
+      const std::string size = up.substr(typeEnd + 1, close - typeEnd - 1);
+      if (!size.empty() && size.find_first_not_of("0123456789") == std::string::npos) {
+        def += " CONSTRAINT " + std::string(kTruncatedConstraint) + " CHECK (length(rtrim(" +
+               def.substr(0, nameEnd) + ", ' ')) <= " + size + ")";
+      }
+    }
+  } else if ((type == "DATETIME" || type == "DATE" || type == "SMALLDATETIME") &&
+             up.find(" COLLATE ") == std::string::npos) {
     def += " COLLATE VDATE";
   }
   return def;
@@ -112,7 +124,7 @@ void Catalog::table(std::string name, std::string_view columns) {
   mix(t.name);
   for (auto def : splitColumns(columns)) {
     const auto space = def.find_first_of(" \t\n");
-    t.columns.emplace_back(std::string(def.substr(0, space)), withCollation(def));
+    t.columns.emplace_back(std::string(def.substr(0, space)), storeDefinition(def));
     d.columns.emplace_back(t.columns.back().first, std::string(def));
     mix(t.columns.back().second);
   }

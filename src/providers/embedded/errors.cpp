@@ -45,8 +45,11 @@ Class classify(int extended, std::string_view message) {
       switch (extended) {
         case SQLITE_CONSTRAINT_NOTNULL:
           return {err::kCommandError, "23000", 515};
-        case SQLITE_CONSTRAINT_FOREIGNKEY:
         case SQLITE_CONSTRAINT_CHECK:
+          if (message.find(kTruncatedConstraint) != std::string_view::npos)
+            return {err::kCommandError, "22001", native::kTruncated};
+          return {err::kCommandError, "23000", 547};
+        case SQLITE_CONSTRAINT_FOREIGNKEY:
           return {err::kCommandError, "23000", 547};
         default:
           return {err::kCommandError, "23000", 2627};
@@ -102,6 +105,8 @@ Error sqliteError(sqlite3* db, int rc) {
   const Class c = classify(extended, message);
   if (c.nativeError == native::kPermissionDenied) {
     message = "Permission denied: a statement may not reach outside the store's file.";
+  } else if (c.nativeError == native::kTruncated) {
+    message = "String or binary data would be truncated.";
   }
   return storeError(c.number, message, c.sqlState, c.nativeError ? c.nativeError : extended);
 }

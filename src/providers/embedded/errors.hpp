@@ -29,7 +29,11 @@ inline constexpr std::int32_t kConversion = 241;
 inline constexpr std::int32_t kPermissionDenied = 229;
 inline constexpr std::int32_t kNestedTooDeeply = 191;
 inline constexpr std::int32_t kTopNotInteger = 1060;
+inline constexpr std::int32_t kTruncated = 8152;
 }  // namespace native
+
+// The name of the check that refuses a text longer than its column.
+inline constexpr std::string_view kTruncatedConstraint = "vr_truncated";
 
 // An error of the store: the prefix, then the message.
 Error storeError(std::int32_t number, std::string_view message, std::string sqlState,
