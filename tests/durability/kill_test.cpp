@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <random>
 #include <string>
@@ -106,6 +107,11 @@ TEST_F(Durability, EveryAcknowledgedRowSurvivesSIGKILL) {
     ::close(fds[0]);
     ++serial;  // the row the child was writing may or may not be there
 
+    // A kill that lands before the child has made the store leaves nothing to check.
+    if (acked.empty() && !std::filesystem::exists(path)) {
+      ++survived;
+      continue;
+    }
     ASSERT_EQ(integrityCheck(path), "ok");
     std::map<Long, std::u16string> found;
     cStemClassPersist o;
