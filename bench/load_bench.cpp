@@ -69,8 +69,14 @@ void BM_PlainSqliteIntoStructs(benchmark::State& state) {
       });
 }
 
+// Commits go to a store of their own, so that the stems every Load reads stay kRows.
+const Store& commitStore() {
+  static const Store s = vrdppo::bench::freshStore("vrdppo-commit-bench.db");
+  return s;
+}
+
 void BM_CommitInsert(benchmark::State& state) {
-  const Store& s = store();
+  const Store& s = commitStore();
   vrdppo::cStemsPersist stems;
   vrdppo::initialiseRecord(stems.layout(), stems.recordBytes());
   stems.record().TotalNetWeight = 125.5;
@@ -110,7 +116,7 @@ void BM_LoadMillionStemsIntoBuffer(benchmark::State& state) {
 // The baseline of Commit: the same INSERT prepared once on a handle held open, in the store's
 // own journal mode (WAL) and synchronous setting (FULL), each row its own transaction.
 void BM_PreparedInsert(benchmark::State& state) {
-  const Store& s = store();
+  const Store& s = commitStore();
   sqlite3* db = nullptr;
   sqlite3_open(s.path.c_str(), &db);
   vrdppo::bench::exec(db, "PRAGMA synchronous = FULL");

@@ -12,6 +12,7 @@ import os
 import subprocess
 import sys
 
+UNIT = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 HERE = os.path.dirname(os.path.abspath(__file__))
 DEFAULT_BINARY = os.path.join(HERE, "..", "build", "release", "bench", "vrdppo_bench")
 
@@ -42,15 +43,16 @@ RATIOS = [
 def run(binary, repetitions):
     out = subprocess.run(
         [binary, "--benchmark_format=json", f"--benchmark_repetitions={repetitions}",
-         "--benchmark_report_aggregates_only=true"],
+         f"--benchmark_report_aggregates_only={'true' if repetitions > 1 else 'false'}"],
         check=True, stdout=subprocess.PIPE, text=True).stdout
     medians, skipped = {}, {}
     for b in json.loads(out)["benchmarks"]:
-        name = b.get("run_name", b["name"])
+        name = b.get("run_name", b["name"]).split("/")[0]
         if b.get("error_occurred"):
             skipped[name] = b.get("error_message", "error")
-        elif b.get("aggregate_name") == "median":
-            medians[name] = b["real_time"]
+        elif b.get("aggregate_name") == "median" or (repetitions == 1 and
+                                                     b.get("run_type") == "iteration"):
+            medians[name] = b["real_time"] * UNIT[b.get("time_unit", "ns")]
     return medians, skipped
 
 

@@ -34,8 +34,13 @@ void BM_MemcpyState(benchmark::State& state) {
 }
 
 void BM_BufferGetState(benchmark::State& state) {
+  // A Buffer that SetState alone filled gives nothing back (it keeps its next position), so this
+  // one is filled as Load's callers fill theirs: Initialize, then Add.
+  vrdppo::Buffer loaded;
+  loaded.SetState(stemsState());
   vrdppo::Buffer b;
-  b.SetState(stemsState());
+  b.Initialize(43, loaded.Count());
+  for (std::int32_t i = 1; i <= loaded.Count(); ++i) b.Add(loaded.ItemView(i));
   for (auto _ : state) {
     const std::u16string s = b.GetState();
     benchmark::DoNotOptimize(s.data());
