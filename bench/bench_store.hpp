@@ -9,14 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "stores.hpp"
 #include "vrdppo/embedded_store.hpp"
 
 namespace vrdppo::bench {
-
-struct Store {
-  std::string path;
-  std::u16string connect;
-};
 
 inline void exec(sqlite3* db, const char* sql) {
   char* message = nullptr;

@@ -20,12 +20,12 @@
 
 namespace {
 
-constexpr int kRows = 100000;
-
+using vrdppo::bench::kRows;
 using vrdppo::bench::Store;
 
-// A store holding kRows degradation tests and kRows stations, made once per process.
-const Store& store() {
+}  // namespace
+
+const Store& vrdppo::bench::classesStore() {
   static const Store s = vrdppo::bench::filledStore("vrdppo-classes-bench.db", [](sqlite3* db) {
     vrdppo::bench::fill(
         db,
@@ -80,6 +80,12 @@ const Store& store() {
         });
   });
   return s;
+}
+
+namespace {
+
+const Store& store() {
+  return vrdppo::bench::classesStore();
 }
 
 void text(sqlite3_stmt* st, int column, char16_t* field, std::size_t length) {

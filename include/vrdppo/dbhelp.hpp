@@ -6,6 +6,7 @@
 #include <string>
 
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/row_sink.hpp"
 #include "vrdppo/visibility.hpp"
 
 VRDPPO_PUBLIC_BEGIN
@@ -23,6 +24,8 @@ const std::u16string& DefaultConnectString();
 // Opens a connection, runs sSql on it and returns its first result cut loose from the
 // connection: an open recordset, or a closed one for a statement without rows.
 std::shared_ptr<Recordset> OpenRecordset(const std::u16string& sSql);
+// The same steps, the first result streamed into the sink as the provider steps through it.
+void OpenRecordsetInto(const std::u16string& sSql, RecordSink& sink);
 
 // sSource with every occurrence of sFind, from the left and never overlapping, replaced by
 // sReplace; error 6 when an occurrence lies beyond position 32767 of what is left to scan,

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/row_sink.hpp"
 #include "vrdppo/visibility.hpp"
 
 VRDPPO_PUBLIC_BEGIN
@@ -27,6 +28,13 @@ class ProviderConnection {
   // Runs the text and returns its first result, fetched whole: an open recordset when it has
   // rows, a closed one otherwise. Failures raise vrdppo::Error.
   virtual std::shared_ptr<Recordset> execute(const std::u16string& sql, int options) = 0;
+  // Runs the text as execute does, its first result going row by row into the sink instead of
+  // into a recordset; a result without rows leaves the sink unbegun. A provider that can step
+  // through its rows overrides this; by default the sink walks what execute returns.
+  virtual void executeInto(const std::u16string& sql, int options, RecordSink& sink) {
+    const auto rs = execute(sql, options);
+    sink.walk(*rs);
+  }
   // Rows the last execute inserted, updated or deleted (what the platform's Execute answers in
   // RecordsAffected); -1 when the provider cannot say.
   virtual std::int64_t recordsAffected() const noexcept { return -1; }
@@ -83,6 +91,9 @@ class Connection {
   // cannot say).
   std::shared_ptr<Recordset> Execute(const std::u16string& sql, std::int64_t& recordsAffected,
                                      int options = adOptionUnspecified);
+  // As Execute, the first result streamed into the sink. An error that the sink raised while
+  // filling or taking a record names no statement.
+  void ExecuteInto(const std::u16string& sql, RecordSink& sink, int options = adOptionUnspecified);
   // The rows the last Execute touched; -1 before the first, after one that failed, or when the
   // provider cannot say.
   std::int64_t RecordsAffected() const noexcept { return recordsAffected_; }

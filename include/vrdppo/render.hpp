@@ -25,6 +25,8 @@ const char* fieldTypeText(FieldType type);  // Long, Double, Currency, Date; Str
 
 // The record initialiser: numbers 0, strings blanks, dates 1900/01/01, the trailing literal.
 void initialiseRecord(const RecordLayout& layout, std::byte* record);
+// One field as the initialiser leaves it.
+void initialiseField(const Column& column, std::byte* record) noexcept;
 // The state string: C characters, the record's R bytes first, U+0000 after them.
 std::u16string recordState(const RecordLayout& layout, const std::byte* record);
 void recordState(const RecordLayout& layout, const std::byte* record, std::u16string& out);

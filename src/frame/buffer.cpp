@@ -2,13 +2,21 @@
 // allow for the header, growth adds half the estimate each time, SetState leaves next position.
 #include "vrdppo/buffer.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
 #include <stdexcept>
 
 #include "vrdppo/error.hpp"
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
 
 namespace vrdppo {
 
@@ -88,12 +96,46 @@ auto guardMemory(F&& f) {
   }
 }
 
+// The eight header characters: L, the padding, then estimate, capacity and count as pairs of
+// 16-bit halves, low half first.
+void writeHeader(char16_t* header, std::int16_t recordLength, std::uint16_t padding,
+                 std::int32_t estimate, std::int32_t capacity, std::int32_t count) {
+  unsigned char bytes[16];
+  std::memcpy(bytes, &recordLength, 2);
+  std::memcpy(bytes + 2, &padding, 2);
+  std::memcpy(bytes + 4, &estimate, 4);
+  std::memcpy(bytes + 8, &capacity, 4);
+  std::memcpy(bytes + 12, &count, 4);
+  for (std::size_t i = 0; i < 8; ++i) {
+    header[i] = static_cast<char16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+  }
+}
+
+// Initialize's length of text for an estimate: L x estimate + 9, raising as Initialize raises.
+std::size_t initialChars(std::int16_t recordLength, std::int32_t estimate) {
+  return checkedLength(long32(long32(std::int64_t{recordLength} * estimate) + std::int64_t{9}));
+}
+
+// Add's growth when the Buffer is full: half the estimate more records, and the characters for
+// them rounded on their own.
+struct Growth {
+  std::size_t chars;
+  std::int32_t capacity;
+};
+Growth growth(std::int16_t recordLength, std::int32_t estimate, std::int32_t capacity,
+              std::size_t textChars) {
+  const double half = static_cast<double>(estimate) / 2.0;
+  const std::int32_t more = roundEven(half * recordLength);
+  const std::int32_t grown = roundEven(half + capacity);
+  const std::size_t n = checkedLength(more);
+  if (static_cast<std::int64_t>(textChars + n) > kMaxChars) throw Error::runtime(err::kOutOfMemory);
+  return {n, grown};
+}
+
 }  // namespace
 
 void Buffer::Initialize(std::int16_t recordLength, std::int32_t estimate) {
-  const std::int32_t chars =
-      long32(long32(std::int64_t{recordLength} * estimate) + std::int64_t{9});
-  const std::size_t n = checkedLength(chars);
+  const std::size_t n = initialChars(recordLength, estimate);
   guardMemory([&] {
     text_.assign(n, u' ');
     return 0;
@@ -108,18 +150,12 @@ void Buffer::Initialize(std::int16_t recordLength, std::int32_t estimate) {
 
 void Buffer::Add(std::u16string_view record) {
   if (count_ == capacity_) {
-    const double half = static_cast<double>(estimate_) / 2.0;
-    const std::int32_t more = roundEven(half * recordLength_);
-    const std::int32_t capacity = roundEven(half + capacity_);
-    const std::size_t n = checkedLength(more);
-    if (static_cast<std::int64_t>(text_.size() + n) > kMaxChars) {
-      throw Error::runtime(err::kOutOfMemory);
-    }
+    const Growth g = growth(recordLength_, estimate_, capacity_, text_.size());
     guardMemory([&] {
-      text_.append(n, u' ');  // the string itself grows geometrically underneath
+      text_.append(g.chars, u' ');  // the string itself grows geometrically underneath
       return 0;
     });
-    capacity_ = capacity;
+    capacity_ = g.capacity;
   }
   overwrite(text_, nextPosition_, recordLength_, record);
   nextPosition_ = long32(std::int64_t{nextPosition_} + recordLength_);
@@ -138,16 +174,7 @@ void Buffer::Remove(std::int16_t index) {
 std::u16string Buffer::GetState() const {
   if (text_ == u"ERROR") return text_;
   char16_t header[8];
-  const std::int16_t l = recordLength_;
-  unsigned char bytes[16];
-  std::memcpy(bytes, &l, 2);
-  std::memcpy(bytes + 2, &headerPadding_, 2);
-  std::memcpy(bytes + 4, &estimate_, 4);
-  std::memcpy(bytes + 8, &capacity_, 4);
-  std::memcpy(bytes + 12, &count_, 4);
-  for (std::size_t i = 0; i < 8; ++i) {
-    header[i] = static_cast<char16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
-  }
+  writeHeader(header, recordLength_, headerPadding_, estimate_, capacity_, count_);
   std::memcpy(text_.data(), header, std::min<std::size_t>(8, text_.size()) * sizeof(char16_t));
   if (nextPosition_ <= 0) return {};
   return text_.substr(0, static_cast<std::size_t>(nextPosition_));
@@ -184,6 +211,16 @@ BufferHeader readBufferHeader(std::u16string_view state) noexcept {
 std::u16string Buffer::Item(std::int32_t index) const {
   if (index < 1 || index > count_) return {};
   return mid(text_, itemPosition(index, recordLength_), recordLength_);
+}
+
+std::u16string_view Buffer::ItemView(std::int32_t index) const {
+  if (index < 1 || index > count_) return {};
+  // Item's Mid$, with its errors, as a view.
+  const std::int32_t start = itemPosition(index, recordLength_);
+  if (start < 1) throw Error::runtime(err::kInvalidCall);
+  const std::size_t length = checkedLength(recordLength_);
+  if (static_cast<std::size_t>(start) > text_.size()) return {};
+  return std::u16string_view(text_).substr(static_cast<std::size_t>(start - 1), length);
 }
 
 void Buffer::Item(std::int32_t index, std::u16string_view record) {
@@ -233,6 +270,101 @@ std::int32_t Buffer::RemoveRange(std::int32_t first, std::int32_t last) {
   count_ -= removed;
   currentItem_ = 1;
   return removed;
+}
+
+// --- BufferWriter ---
+
+namespace {
+
+// Records are copied out of the writer's storage in stretches of this many characters; a large
+// run gives each stretch's pages back once copied, so that the records are never held twice.
+constexpr std::size_t kReleaseStretch = std::size_t{1} << 19;
+constexpr std::size_t kReleaseFrom = std::size_t{8} << 20;  // characters
+
+void releasePages([[maybe_unused]] char16_t* from, [[maybe_unused]] std::size_t chars) noexcept {
+#if defined(__linux__)
+  static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const auto begin = (reinterpret_cast<std::uintptr_t>(from) + page - 1) & ~(page - 1);
+  const auto end = (reinterpret_cast<std::uintptr_t>(from + chars)) & ~(page - 1);
+  // Only whole pages inside the block: the allocator's own words lie outside it.
+  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+#endif
+}
+
+}  // namespace
+
+BufferWriter::BufferWriter(std::int16_t recordLength, std::int32_t estimate)
+    : recordLength_(recordLength),
+      estimate_(estimate),
+      capacity_(estimate),
+      textChars_(static_cast<std::int64_t>(initialChars(recordLength, estimate))) {
+  // The estimate is often a generous lTop: room for a modest part of it, the rest as it comes.
+  constexpr std::int64_t kFirstRecords = 256;
+  if (recordLength_ > 0) {
+    reserve(static_cast<std::size_t>(std::clamp<std::int64_t>(estimate, 1, kFirstRecords) *
+                                     recordLength_));
+  }
+}
+
+BufferWriter::~BufferWriter() {
+  std::free(data_);
+}
+
+void BufferWriter::reserve(std::size_t chars) {
+  if (chars <= room_) return;
+  const std::size_t room = std::max(chars, room_ * 2);
+  void* grown = std::realloc(data_, room * sizeof(char16_t));
+  if (!grown) throw Error::runtime(err::kOutOfMemory);
+  data_ = static_cast<char16_t*>(grown);
+  room_ = room;
+}
+
+std::span<char16_t> BufferWriter::next() {
+  if (count_ == capacity_) {
+    const Growth g =
+        growth(recordLength_, estimate_, capacity_, static_cast<std::size_t>(textChars_));
+    textChars_ += static_cast<std::int64_t>(g.chars);
+    capacity_ = g.capacity;
+  }
+  // Add's Mid$ statement: a start past the text's end is an invalid call, and a record runs
+  // only to the text's end.
+  if (nextPosition_ < 9 || nextPosition_ > textChars_) throw Error::runtime(err::kInvalidCall);
+  const auto from = static_cast<std::size_t>(nextPosition_ - 9);
+  const auto chars = static_cast<std::size_t>(
+      std::min<std::int64_t>(recordLength_, textChars_ - (nextPosition_ - 1)));
+  const std::int32_t position = long32(std::int64_t{nextPosition_} + recordLength_);
+  const std::int32_t count = long32(std::int64_t{count_} + 1);
+  reserve(from + chars);
+  // Behind a record cut short by the text's end, growth left blanks.
+  if (from > written_) std::fill(data_ + written_, data_ + from, u' ');
+  nextPosition_ = position;
+  count_ = count;
+  written_ = from + chars;
+  return {data_ + from, chars};
+}
+
+std::u16string BufferWriter::state() {
+  const auto length = static_cast<std::size_t>(std::min<std::int64_t>(nextPosition_, textChars_));
+  std::u16string out;
+  guardMemory([&] {
+    out.reserve(length);
+    return 0;
+  });
+  char16_t header[8];
+  writeHeader(header, recordLength_, 0, estimate_, capacity_, count_);
+  out.append(header, std::min<std::size_t>(8, length));
+  const std::size_t records = std::min(written_, length - out.size());
+  const bool release = room_ >= kReleaseFrom;
+  for (std::size_t at = 0; at < records; at += kReleaseStretch) {
+    const std::size_t n = std::min(kReleaseStretch, records - at);
+    out.append(data_ + at, n);
+    if (release) releasePages(data_ + at, n);
+  }
+  out.resize(length, u' ');
+  std::free(data_);
+  data_ = nullptr;
+  room_ = written_ = 0;
+  return out;
 }
 
 }  // namespace vrdppo

@@ -1,5 +1,8 @@
 // The table and view contracts, driven by each class's column table and configuration.
+#include <algorithm>
 #include <cstring>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "vrdppo/buffer.hpp"
@@ -9,6 +12,7 @@
 #include "vrdppo/persist.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/render.hpp"
+#include "vrdppo/row_sink.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo {
@@ -101,41 +105,55 @@ std::u16string loadStatement(const RecordLayout& layout, const LoadSpec& spec,
   return sql;
 }
 
+namespace {
+
+// A Load's rows, each record written in place into the Buffer state as the provider steps.
+class LoadSink final : public RecordSink {
+ public:
+  LoadSink(const RecordLayout& layout, std::byte* record, const LoadSpec& spec, std::int32_t lTop)
+      : RecordSink(layout, record),
+        length_(static_cast<std::int16_t>(layout.stateChars)),
+        list_(spec.style == LoadStyle::List),
+        estimate_(list_ && lTop >= 1 ? lTop : spec.estimate) {}
+
+  std::u16string state() {
+    // An empty result of the list shape gives the Buffer of one, released without a Close.
+    if (!writer_) writer_.emplace(length_, list_ ? 1 : estimate_);
+    return writer_->state();
+  }
+
+ private:
+  void firstRow() override { writer_.emplace(length_, estimate_); }
+
+  void take(const std::byte* record) override {
+    // The record's image, then U+0000 to the state's length; cut where the Buffer's text ends.
+    const std::span<char16_t> to = writer_->next();
+    const std::size_t bytes = std::min<std::size_t>(layout().bytes, to.size_bytes());
+    std::memcpy(to.data(), record, bytes);
+    std::memset(reinterpret_cast<std::byte*>(to.data()) + bytes, 0, to.size_bytes() - bytes);
+  }
+
+  bool leavesEmptyResultOpen() const noexcept override { return list_; }
+
+  std::int16_t length_;
+  bool list_;
+  std::int32_t estimate_;
+  std::optional<BufferWriter> writer_;
+};
+
+}  // namespace
+
 std::u16string loadInto(PersistObject& object, const LoadSpec& spec,
                         const std::u16string& sCriteria, const std::u16string& sConnect,
                         std::int32_t lTop) {
   if (spec.top == TopArg::None) lTop = 0;
   dbHelp::ConnectString = sConnect;
   const RecordLayout& layout = object.layout();
-  const auto rs = dbHelp::OpenRecordset(loadStatement(layout, spec, sCriteria, lTop));
-  Buffer buffer;
-  const auto length = static_cast<std::int16_t>(layout.stateChars);
-  if (spec.style == LoadStyle::List && rs->EOF_()) {
-    buffer.Initialize(length, 1);  // released without a Close, as the class always did
-    return buffer.GetState();
-  }
-  buffer.Initialize(length, spec.style == LoadStyle::List && lTop >= 1 ? lTop : spec.estimate);
-
-  // Each row: the initialiser, one coercion per column, the image into the Buffer. Column
-  // positions are looked up by name once, at the first row, which raises for a missing one
-  // exactly where a lookup per row would.
-  std::byte* record = object.recordBytes();
-  std::vector<std::size_t> positions;
-  std::u16string state;
-  while (!(rs->EOF_() || rs->BOF())) {
-    if (positions.empty()) {
-      for (const Column& c : layout.columns) positions.push_back(rs->fieldIndex(c.read));
-    }
-    initialiseRecord(layout, record);
-    for (std::size_t i = 0; i < layout.columns.size(); ++i) {
-      storeField(layout.columns[i], record, rs->Fields(positions[i]));
-    }
-    recordState(layout, record, state);
-    buffer.Add(state);
-    rs->MoveNext();
-  }
-  rs->Close();
-  return buffer.GetState();
+  LoadSink sink(layout, object.recordBytes(), spec, lTop);
+  dbHelp::OpenRecordsetInto(loadStatement(layout, spec, sCriteria, lTop), sink);
+  // A statement without a row set leaves nothing to read: the recordset's closed-object error.
+  if (!sink.begun()) throw Error::runtime(err::kObjectClosed);
+  return sink.state();
 }
 
 // --- tables ---

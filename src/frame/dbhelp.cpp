@@ -17,8 +17,11 @@ const std::u16string& DefaultConnectString() {
   return s;
 }
 
-std::shared_ptr<Recordset> OpenRecordset(const std::u16string& sSql) {
-  Connection connection;
+namespace {
+
+// Opens the connection and readies it for a statement: the quoted-identifier setting, the audit
+// trail and no command time-out.
+void prepare(Connection& connection) {
   connection.setCursorLocation(adUseClient);
   if (ConnectString.empty()) {
     connection.Open(DefaultConnectString(), {}, {}, adOptionUnspecified);
@@ -32,10 +35,24 @@ std::shared_ptr<Recordset> OpenRecordset(const std::u16string& sSql) {
     connection.Execute(u"exec ZZ_SetAuditTrailID " + longText(AuditTrailId), adOptionUnspecified);
   }
   connection.setCommandTimeout(0);
+}
+
+}  // namespace
+
+std::shared_ptr<Recordset> OpenRecordset(const std::u16string& sSql) {
+  Connection connection;
+  prepare(connection);
   auto recordset = connection.Execute(sSql, adOptionUnspecified);
   // The recordset holds its rows already; it has no connection to let go of.
   connection.Close();
   return recordset;
+}
+
+void OpenRecordsetInto(const std::u16string& sSql, RecordSink& sink) {
+  Connection connection;
+  prepare(connection);
+  connection.ExecuteInto(sSql, sink, adOptionUnspecified);
+  connection.Close();
 }
 
 std::u16string ReplaceAll(const std::u16string& sSource, const std::u16string& sFind,

@@ -132,6 +132,19 @@ std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql,
   }
 }
 
+void Connection::ExecuteInto(const std::u16string& sql, RecordSink& sink, int options) {
+  recordsAffected_ = -1;
+  lastAffected = -1;
+  if (!open_) throw Error::runtime(err::kObjectClosed);
+  try {
+    impl_->executeInto(sql, options, sink);
+    recordsAffected_ = lastAffected = impl_->recordsAffected();
+  } catch (Error& e) {
+    if (!sink.failedInRecord() && e.statement().empty()) e.setStatement(sql);
+    throw;
+  }
+}
+
 void Connection::Close() {
   if (!open_) throw Error::runtime(err::kObjectClosed);
   open_ = false;

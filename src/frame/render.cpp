@@ -130,28 +130,30 @@ const char* fieldTypeText(FieldType type) {
   return "?";
 }
 
-void initialiseRecord(const RecordLayout& layout, std::byte* record) {
-  for (const Column& c : layout.columns) {
-    switch (c.type) {
-      case FieldType::Long:
-        writeField<Long>(record, c.offset, 0);
-        break;
-      case FieldType::Double:
-        writeField<Double>(record, c.offset, 0.0);
-        break;
-      case FieldType::Currency:
-        writeField<Currency>(record, c.offset, Currency{});
-        break;
-      case FieldType::Date:
-        writeField<Date>(record, c.offset, Date{kDefaultDate});
-        break;
-      case FieldType::String: {
-        auto* s = reinterpret_cast<char16_t*>(record + c.offset);
-        std::fill(s, s + c.length, u' ');
-        break;
-      }
+void initialiseField(const Column& c, std::byte* record) noexcept {
+  switch (c.type) {
+    case FieldType::Long:
+      writeField<Long>(record, c.offset, 0);
+      break;
+    case FieldType::Double:
+      writeField<Double>(record, c.offset, 0.0);
+      break;
+    case FieldType::Currency:
+      writeField<Currency>(record, c.offset, Currency{});
+      break;
+    case FieldType::Date:
+      writeField<Date>(record, c.offset, Date{kDefaultDate});
+      break;
+    case FieldType::String: {
+      auto* s = reinterpret_cast<char16_t*>(record + c.offset);
+      std::fill(s, s + c.length, u' ');
+      break;
     }
   }
+}
+
+void initialiseRecord(const RecordLayout& layout, std::byte* record) {
+  for (const Column& c : layout.columns) initialiseField(c, record);
   const TrailingField& t = layout.trailing;
   auto* s = reinterpret_cast<char16_t*>(record + t.offset);
   std::fill(s, s + t.length, u' ');

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 
@@ -216,4 +217,50 @@ TEST(Buffer, RemovingFromTheSmallestCountOverflowsTheCurrentItem) {
   b.SetState(std::u16string{u'\0', u'\0', u'\0', u'\0', u'\0', u'\0', u'\x0001', u'\x8000'});
   EXPECT_EQ(numberOf([&] { b.Remove(0); }), err::kOverflow);
   EXPECT_EQ(b.Count(), std::numeric_limits<std::int32_t>::min());
+}
+
+// The writer gives the state that Initialize and a run of Adds give, odd growth included, and
+// raises where they raise and what they raise.
+TEST(BufferWriter, AgreesWithInitializeAndAdd) {
+  struct Case {
+    std::int16_t length;
+    std::int32_t estimate;
+  };
+  for (const Case c : {Case{43, 10}, Case{43, 5}, Case{4, 1}, Case{4, 3}, Case{127, 2}, Case{3, 0},
+                       Case{216, 1000}}) {
+    for (int count = 0; count <= 40; ++count) {
+      Buffer b;
+      b.Initialize(c.length, c.estimate);
+      BufferWriter w(c.length, c.estimate);
+      std::int32_t expected = 0;
+      std::int32_t got = 0;
+      for (int i = 0; i < count && expected == 0; ++i) {
+        const std::u16string r = rec(static_cast<char16_t>(u'a' + i % 26), c.length);
+        expected = numberOf([&] { b.Add(r); });
+        got = numberOf([&] {
+          const auto to = w.next();
+          std::copy_n(r.begin(), to.size(), to.begin());
+        });
+      }
+      const auto where = ::testing::Message() << c.length << "x" << c.estimate << ", " << count;
+      ASSERT_EQ(got, expected) << where;
+      if (expected != 0) break;
+      EXPECT_EQ(w.state(), b.GetState()) << where;
+    }
+  }
+}
+
+TEST(BufferWriter, RaisesWhatInitializeRaises) {
+  EXPECT_EQ(numberOf([] { BufferWriter(43, std::numeric_limits<std::int32_t>::max()); }),
+            err::kOverflow);
+  EXPECT_EQ(numberOf([] { BufferWriter(32767, 40000); }), err::kOutOfMemory);
+  EXPECT_EQ(numberOf([] { BufferWriter(4, -3); }), err::kInvalidCall);
+}
+
+TEST(Buffer, ItemViewSeesWhatItemCopies) {
+  Buffer b = filled(5, 3, 4);
+  for (std::int32_t i = -1; i <= 6; ++i) EXPECT_EQ(b.ItemView(i), b.Item(i)) << i;
+  b.SetState(b.GetState().substr(0, 20));  // a state cut inside its third record
+  EXPECT_EQ(b.ItemView(3), b.Item(3));
+  EXPECT_EQ(b.ItemView(4), u"");
 }

@@ -279,13 +279,46 @@ TEST_F(Contract, ViewLoadReadsNullDatesAsTheDefault) {
   EXPECT_EQ(v.GetState(), b.Item(2));
 }
 
-TEST_F(Contract, AMissingColumnRaisesAtTheFirstRow) {
-  db.answerRows(u"STEMS", {u"StemsId"}, {{int32_t{1}}});
+TEST_F(Contract, AMissingColumnRaisesAtTheFirstRowAfterTheInitialiser) {
   cStemsPersist s;
+  s.SetState(stem(901));
+  db.answerRows(u"STEMS", {u"StemsId"}, {{int32_t{1}}}, 1);
   try {
     s.Load(u"", kConnect);
     ADD_FAILURE();
   } catch (const Error& e) {
     EXPECT_EQ(e.number(), err::kItemNotFound);
+    EXPECT_TRUE(e.statement().empty());
   }
+  cStemsPersist fresh;
+  initialiseRecord(fresh.layout(), fresh.recordBytes());
+  EXPECT_EQ(s.GetState(), fresh.GetState());
+
+  // Without a row nothing is looked up.
+  db.answerRows(u"STEMS", {u"StemsId"}, {});
+  EXPECT_EQ(s.Load(u"", kConnect).size(), 9u);
+}
+
+// A value that will not convert stops the Load where it stands: the record holds the failing
+// row's fields up to that one and the initialiser's from there on, and the error names no
+// statement, for it is no failure of one.
+TEST_F(Contract, AFailedConversionLeavesTheRowBegunByTheInitialiser) {
+  const std::vector<std::u16string> columns{u"StemsId",      u"TotalNetWeight", u"ContainerStart",
+                                            u"ContainerEnd", u"StemTypeID",     u"ProductionRunId"};
+  db.answerRows(u"STEMS", columns,
+                {{int32_t{1}, 1.5, int32_t{2}, int32_t{3}, int32_t{4}, int32_t{5}},
+                 {int32_t{6}, 7.5, Variant(u"eight"), int32_t{9}, int32_t{10}, int32_t{11}}});
+  cStemsPersist s;
+  try {
+    s.Load(u"", kConnect);
+    ADD_FAILURE();
+  } catch (const Error& e) {
+    EXPECT_EQ(e.number(), err::kTypeMismatch);
+    EXPECT_TRUE(e.statement().empty());
+  }
+  EXPECT_EQ(s.record().StemsId, 6);
+  EXPECT_EQ(double{s.record().TotalNetWeight}, 7.5);
+  EXPECT_EQ(s.record().ContainerStart, 0);
+  EXPECT_EQ(s.record().ContainerEnd, 0);
+  EXPECT_EQ(s.record().ProductionRunId, 0);
 }

@@ -26,6 +26,24 @@ class EmbeddedConnection final : public ProviderConnection {
   }
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int) override {
+    std::shared_ptr<Recordset> result;
+    run(sql, [&] { result = session_->execute(sql); });
+    return result;
+  }
+
+  void executeInto(const std::u16string& sql, int, RecordSink& sink) override {
+    run(sql, [&] { session_->executeInto(sql, sink); });
+  }
+
+  std::int64_t recordsAffected() const noexcept override { return affected_; }
+
+  void setCommandTimeout(int) override {}
+
+  void close() override { session_.reset(); }
+
+ private:
+  template <class F>
+  void run(const std::u16string& sql, F body) {
     if (!session_) throw Error::runtime(err::kObjectClosed);
     // A provider refuses an empty command rather than answer it with nothing.
     if (trimBlanks(sql).empty()) {
@@ -36,9 +54,8 @@ class EmbeddedConnection final : public ProviderConnection {
     try {
       // Every row the text changed, those of the procedures it calls included.
       const std::int64_t before = session_->totalChanges();
-      auto result = session_->execute(sql);
+      body();
       affected_ = session_->totalChanges() - before;
-      return result;
     } catch (const Error&) {
       throw;
     } catch (const std::bad_alloc&) {
@@ -48,13 +65,6 @@ class EmbeddedConnection final : public ProviderConnection {
     }
   }
 
-  std::int64_t recordsAffected() const noexcept override { return affected_; }
-
-  void setCommandTimeout(int) override {}
-
-  void close() override { session_.reset(); }
-
- private:
   std::unique_ptr<Session> session_;
   std::int64_t affected_ = -1;
 };

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "providers/embedded/dates.hpp"
+#include "vrdppo/render.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo::embedded {
@@ -94,7 +95,128 @@ Variant cell(sqlite3_stmt* st, int i, Kind kind) {
   }
 }
 
+// --- the record sink's readers: each stores what cell() would give, as storeField would ---
+
+sqlite3_stmt* stmtOf(const void* row) {
+  return static_cast<sqlite3_stmt*>(const_cast<void*>(row));
+}
+
+Variant cellValue(const void* row, std::size_t source, std::uint8_t kind) {
+  return cell(stmtOf(row), static_cast<int>(source), static_cast<Kind>(kind));
+}
+
+void storeAny(sqlite3_stmt* st, int i, Kind kind, const Column& c, std::byte* record) {
+  storeField(c, record, cell(st, i, kind));
+}
+
+void storeLong(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
+               std::byte* record) {
+  sqlite3_stmt* st = stmtOf(row);
+  const int i = static_cast<int>(source);
+  const auto kind = static_cast<Kind>(tag);
+  const int type = sqlite3_column_type(st, i);
+  if (type == SQLITE_NULL) return writeField<Long>(record, c.offset, 0);
+  if (type == SQLITE_INTEGER && (kind == Kind::Integer || kind == Kind::Storage)) {
+    const std::int64_t v = sqlite3_column_int64(st, i);
+    if (v >= INT32_MIN && v <= INT32_MAX) {
+      return writeField<Long>(record, c.offset, static_cast<Long>(v));
+    }
+  }
+  storeAny(st, i, kind, c, record);
+}
+
+void storeDouble(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
+                 std::byte* record) {
+  sqlite3_stmt* st = stmtOf(row);
+  const int i = static_cast<int>(source);
+  const auto kind = static_cast<Kind>(tag);
+  const bool numeric = kind == Kind::Integer || kind == Kind::Storage || kind == Kind::Float;
+  switch (sqlite3_column_type(st, i)) {
+    case SQLITE_NULL:
+      return writeField<Double>(record, c.offset, 0.0);
+    case SQLITE_INTEGER:
+      if (numeric) {
+        return writeField<Double>(record, c.offset,
+                                  static_cast<double>(sqlite3_column_int64(st, i)));
+      }
+      break;
+    case SQLITE_FLOAT:
+      if (numeric) return writeField<Double>(record, c.offset, sqlite3_column_double(st, i));
+      break;
+    default:
+      break;
+  }
+  storeAny(st, i, kind, c, record);
+}
+
+// Text widened straight into the String*N field: its first N bytes, when they are ASCII, are its
+// first N characters whatever follows them.
+void storeString(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
+                 std::byte* record) {
+  sqlite3_stmt* st = stmtOf(row);
+  const int i = static_cast<int>(source);
+  const auto kind = static_cast<Kind>(tag);
+  auto* field = reinterpret_cast<char16_t*>(record + c.offset);
+  const int type = sqlite3_column_type(st, i);
+  if (type == SQLITE_NULL) {
+    std::fill(field, field + c.length, u' ');
+    return;
+  }
+  if ((type == SQLITE_TEXT || type == SQLITE_BLOB) && kind != Kind::Date) {
+    const unsigned char* p = sqlite3_column_text(st, i);
+    const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes(st, i));
+    const std::size_t n = std::min<std::size_t>(bytes, c.length);
+    unsigned char high = 0;
+    for (std::size_t k = 0; k < n; ++k) high |= p[k];
+    if (!(high & 0x80)) {
+      for (std::size_t k = 0; k < n; ++k) field[k] = p[k];
+      std::fill(field + n, field + c.length, u' ');
+      return;
+    }
+  }
+  storeAny(st, i, kind, c, record);
+}
+
+class StatementColumns final : public ResultColumns {
+ public:
+  explicit StatementColumns(sqlite3_stmt* st) {
+    const int columns = sqlite3_column_count(st);
+    for (int i = 0; i < columns; ++i) {
+      const auto* name = static_cast<const char16_t*>(sqlite3_column_name16(st, i));
+      names_.emplace_back(name ? name : u"");
+      kinds_.push_back(kindOf(sqlite3_column_decltype(st, i)));
+    }
+  }
+  std::size_t count() const override { return names_.size(); }
+  std::u16string_view name(std::size_t index) const override { return names_[index]; }
+  CellReader reader(std::size_t index, FieldType field) const override {
+    const Kind kind = kinds_[index];
+    CellReader r{nullptr, cellValue, static_cast<std::uint8_t>(kind)};
+    // Money cells are converted as they are read, and that conversion may fail as the
+    // statement's own error: they keep to the value.
+    if (kind == Kind::Money) return r;
+    if (field == FieldType::Long) r.store = storeLong;
+    if (field == FieldType::Double) r.store = storeDouble;
+    if (field == FieldType::String) r.store = storeString;
+    return r;
+  }
+
+ private:
+  std::vector<std::u16string> names_;
+  std::vector<Kind> kinds_;
+};
+
 }  // namespace
+
+void streamInto(Statement& statement, RecordSink& sink) {
+  if (statement.columnCount() == 0) {
+    statement.run();
+    return;
+  }
+  sqlite3_stmt* st = statement.get();
+  sink.begin(StatementColumns(st));
+  while (statement.step()) sink.row(st);
+}
 
 std::shared_ptr<Recordset> fetchAll(Statement& statement) {
   const int columns = statement.columnCount();

@@ -80,7 +80,26 @@ std::shared_ptr<Recordset> Session::execute(std::u16string_view text) {
   return first ? first : std::make_shared<Recordset>();
 }
 
-std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin, std::size_t end) {
+void Session::executeInto(std::u16string_view text, RecordSink& sink) {
+  const Tokens tokens(text);
+  std::size_t statements = 0;
+  std::pair<std::size_t, std::size_t> only;
+  for (const auto& range : tokens.statements()) {
+    if (tokens.skip(range.first, range.second) >= range.second) continue;
+    ++statements;
+    only = range;
+  }
+  // The first of several results is read only once all have run.
+  if (statements != 1) {
+    const auto rs = execute(text);
+    sink.walk(*rs);
+    return;
+  }
+  if (const auto rs = statement(tokens, only.first, only.second, &sink)) sink.walk(*rs);
+}
+
+std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin, std::size_t end,
+                                              RecordSink* sink) {
   const std::size_t i = t.skip(begin, end);
   const Tok kind = t[i].kind;
   if (kind == Tok::Word) {
@@ -105,21 +124,23 @@ std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin
     if (equalsNoCase(word, u"TRUNCATE")) {
       const std::size_t table = t.skip(i + 1, end);
       if (!t.isWord(table, u"TABLE")) throw syntaxErrorNear(word);
-      return prepared(u"DELETE FROM " + translate(t, table + 1, end, quotedIdentifier_));
+      return prepared(u"DELETE FROM " + translate(t, table + 1, end, quotedIdentifier_), sink);
     }
     if (isStatementWord(word)) {
       note(word);
-      return prepared(translate(t, begin, end, quotedIdentifier_));
+      return prepared(translate(t, begin, end, quotedIdentifier_), sink);
     }
     return call(parseCall(t, i, end));
   }
   if (kind == Tok::Bracketed) return call(parseCall(t, i, end));
-  return prepared(translate(t, begin, end, quotedIdentifier_));
+  return prepared(translate(t, begin, end, quotedIdentifier_), sink);
 }
 
-std::shared_ptr<Recordset> Session::prepared(std::u16string_view sqlite) {
+std::shared_ptr<Recordset> Session::prepared(std::u16string_view sqlite, RecordSink* sink) {
   Statement st(db_.get(), sqlite);
-  return fetchAll(st);
+  if (!sink) return fetchAll(st);
+  streamInto(st, *sink);
+  return nullptr;
 }
 
 std::shared_ptr<Recordset> Session::run(std::string_view sqlite,

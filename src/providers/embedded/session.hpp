@@ -12,6 +12,7 @@
 #include "call.hpp"
 #include "providers/embedded/sqlite_handles.hpp"
 #include "vrdppo/recordset.hpp"
+#include "vrdppo/row_sink.hpp"
 #include "vrdppo/variant.hpp"
 
 struct sqlite3;
@@ -40,6 +41,9 @@ class Session {
   // ";". Returns the first statement's result: an open recordset when it yields columns, a
   // closed one otherwise.
   std::shared_ptr<Recordset> execute(std::u16string_view text);
+  // As execute, the result going row by row into the sink. A batch of several statements runs
+  // as execute runs it, and the sink walks its result.
+  void executeInto(std::u16string_view text, RecordSink& sink);
   // Runs one SQLite statement as it stands, binding params to its ? in order; its result as
   // execute gives it.
   std::shared_ptr<Recordset> run(std::string_view sqlite,
@@ -58,8 +62,11 @@ class Session {
   std::int64_t totalChanges() const noexcept;
 
  private:
-  std::shared_ptr<Recordset> statement(const Tokens& tokens, std::size_t begin, std::size_t end);
-  std::shared_ptr<Recordset> prepared(std::u16string_view sqlite);
+  // A statement's result; with a sink, a statement that SQLite runs streams into it instead and
+  // gives nothing.
+  std::shared_ptr<Recordset> statement(const Tokens& tokens, std::size_t begin, std::size_t end,
+                                       RecordSink* sink = nullptr);
+  std::shared_ptr<Recordset> prepared(std::u16string_view sqlite, RecordSink* sink = nullptr);
 
   // Marks the connection as not to be pooled unless the statement's first word is harmless.
   void note(std::string_view sqlite);

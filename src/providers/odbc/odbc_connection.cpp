@@ -73,6 +73,33 @@ class OdbcConnection final : public ProviderConnection {
   }
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int /*options*/) override {
+    std::shared_ptr<Recordset> result;
+    run(sql, [&](const Handle& stmt, SQLSMALLINT columns) {
+      result = columns == 0 ? std::make_shared<Recordset>() : fetchAll(stmt, columns);
+    });
+    return result;
+  }
+
+  void executeInto(const std::u16string& sql, int /*options*/, RecordSink& sink) override {
+    run(sql, [&](const Handle& stmt, SQLSMALLINT columns) {
+      if (columns != 0) streamAll(stmt, columns, sink);
+    });
+  }
+
+  std::int64_t recordsAffected() const noexcept override { return affected_; }
+
+  void close() override {
+    if (!connected_) throw Error::runtime(err::kObjectClosed);
+    check(SQLDisconnect(dbc_.get()), dbc_, "SQLDisconnect");
+    connected_ = false;
+    dbc_.reset();
+    env_.reset();
+  }
+
+ private:
+  // Runs the text and hands its statement, with the first result's column count, to read.
+  template <class Read>
+  void run(const std::u16string& sql, Read read) {
     if (!connected_) throw Error::runtime(err::kObjectClosed);
     affected_ = -1;
     // The provider refuses an empty command itself, as the embedded store does, rather than
@@ -92,21 +119,9 @@ class OdbcConnection final : public ProviderConnection {
     SQLSMALLINT columns = 0;
     check(SQLNumResultCols(stmt.get(), &columns), stmt, "SQLNumResultCols");
     // Only the first result counts: a row count first means no rows, whatever follows.
-    if (columns == 0) return std::make_shared<Recordset>();
-    return fetchAll(stmt, columns);
+    read(stmt, columns);
   }
 
-  std::int64_t recordsAffected() const noexcept override { return affected_; }
-
-  void close() override {
-    if (!connected_) throw Error::runtime(err::kObjectClosed);
-    check(SQLDisconnect(dbc_.get()), dbc_, "SQLDisconnect");
-    connected_ = false;
-    dbc_.reset();
-    env_.reset();
-  }
-
- private:
   void applyTimeout(const Handle& stmt) const {
     const SQLRETURN rc = SQLSetStmtAttrW(
         stmt.get(), SQL_ATTR_QUERY_TIMEOUT,

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "providers/odbc/odbc_values.hpp"
+#include "vrdppo/render.hpp"
 
 namespace vrdppo::odbc {
 
@@ -244,7 +245,49 @@ SQLPOINTER attrValue(SQLULEN value) noexcept {
   return reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(value));
 }
 
-void fetchBlocks(const Handle& stmt, const std::vector<Column>& columns, Recordset& rs) {
+struct Bound {
+  std::unique_ptr<std::byte[]> data;
+  std::vector<SQLLEN> indicators;
+};
+
+// Row r of a block as the driver wrote it.
+struct BlockRow {
+  const std::vector<Column>* columns;
+  const std::vector<Bound>* bound;
+  std::size_t r;
+  const std::byte* cell(std::size_t i) const {
+    return (*bound)[i].data.get() + r * static_cast<std::size_t>((*columns)[i].width);
+  }
+  SQLLEN indicator(std::size_t i) const { return (*bound)[i].indicators[r]; }
+};
+
+// Longer than the driver declared: its 01004 record says so. A forward-only cursor cannot go
+// back for the rest.
+void checkLength(const Handle& stmt, const Column& c, SQLLEN ind) {
+  if (ind == SQL_NULL_DATA || isFixed(c.kind)) return;
+  const SQLLEN room = c.kind == Kind::Binary ? c.width : c.width - 2;
+  if (ind == SQL_NO_TOTAL || ind > room) fail(stmt, "SQLFetch");
+}
+
+Variant blockValue(const BlockRow& row, std::size_t i) {
+  const Column& c = (*row.columns)[i];
+  const SQLLEN ind = row.indicator(i);
+  const std::byte* cell = row.cell(i);
+  if (ind == SQL_NULL_DATA) return Variant::null();
+  if (isFixed(c.kind)) return fixedValue(c.kind, cell);
+  if (c.kind == Kind::Binary) {
+    return Variant(
+        hexText(reinterpret_cast<const unsigned char*>(cell), static_cast<std::size_t>(ind)));
+  }
+  std::u16string text(static_cast<std::size_t>(ind) / sizeof(SQLWCHAR), u'\0');
+  std::memcpy(text.data(), cell, text.size() * sizeof(char16_t));
+  return textValue(c.kind, std::move(text));
+}
+
+// Binds the columns in blocks and calls onRow(row) for each row fetched, its cells' lengths
+// checked.
+template <class OnRow>
+void fetchBlocks(const Handle& stmt, const std::vector<Column>& columns, OnRow onRow) {
   std::size_t rowBytes = 0;
   for (const Column& c : columns) rowBytes += static_cast<std::size_t>(c.width) + sizeof(SQLLEN);
   SQLULEN rows = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, kMaxBlockRows);
@@ -262,10 +305,6 @@ void fetchBlocks(const Handle& stmt, const std::vector<Column>& columns, Records
           "SQLSetStmtAttrW");
   }
 
-  struct Bound {
-    std::unique_ptr<std::byte[]> data;
-    std::vector<SQLLEN> indicators;
-  };
   std::vector<Bound> bound(columns.size());
   std::vector<SQLUSMALLINT> status(rows);
   SQLULEN fetched = 0;
@@ -290,29 +329,10 @@ void fetchBlocks(const Handle& stmt, const std::vector<Column>& columns, Records
     for (SQLULEN r = 0; r < fetched && r < rows; ++r) {
       if (status[r] == SQL_ROW_NOROW) continue;
       if (status[r] == SQL_ROW_ERROR) fail(stmt, "SQLFetch");
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        const Column& c = columns[i];
-        const SQLLEN ind = bound[i].indicators[r];
-        const std::byte* cell = bound[i].data.get() + r * static_cast<std::size_t>(c.width);
-        if (ind == SQL_NULL_DATA) {
-          rs.pushCell(Variant::null());
-        } else if (isFixed(c.kind)) {
-          rs.pushCell(fixedValue(c.kind, cell));
-        } else {
-          // Longer than the driver declared: its 01004 record says so. A forward-only cursor
-          // cannot go back for the rest.
-          const SQLLEN room = c.kind == Kind::Binary ? c.width : c.width - 2;
-          if (ind == SQL_NO_TOTAL || ind > room) fail(stmt, "SQLFetch");
-          if (c.kind == Kind::Binary) {
-            rs.pushCell(Variant(hexText(reinterpret_cast<const unsigned char*>(cell),
-                                        static_cast<std::size_t>(ind))));
-          } else {
-            std::u16string text(static_cast<std::size_t>(ind) / sizeof(SQLWCHAR), u'\0');
-            std::memcpy(text.data(), cell, text.size() * sizeof(char16_t));
-            rs.pushCell(textValue(c.kind, std::move(text)));
-          }
-        }
-      }
+      const BlockRow row{&columns, &bound, static_cast<std::size_t>(r)};
+      for (std::size_t i = 0; i < columns.size(); ++i)
+        checkLength(stmt, columns[i], row.indicator(i));
+      onRow(row);
     }
   }
 }
@@ -345,9 +365,13 @@ std::optional<std::u16string> readLong(const Handle& stmt, SQLUSMALLINT number, 
   return binary ? hexText(data.data(), data.size()) : text;
 }
 
-void fetchRows(const Handle& stmt, const std::vector<Column>& columns, Recordset& rs) {
+// Reads row after row cell by cell, handing each row's cells to onRow.
+template <class OnRow>
+void fetchRows(const Handle& stmt, const std::vector<Column>& columns, OnRow onRow) {
   std::vector<SQLWCHAR> chunk(kChunkChars);
+  std::vector<Variant> cells;
   for (;;) {
+    cells.clear();
     const SQLRETURN rc = SQLFetch(stmt.get());
     if (rc == SQL_NO_DATA) break;
     check(rc, stmt, "SQLFetch");
@@ -359,38 +383,136 @@ void fetchRows(const Handle& stmt, const std::vector<Column>& columns, Recordset
         SQLLEN ind = 0;
         check(SQLGetData(stmt.get(), number, c.cType, cell, sizeof(cell), &ind), stmt,
               "SQLGetData");
-        rs.pushCell(ind == SQL_NULL_DATA ? Variant::null() : fixedValue(c.kind, cell));
+        cells.push_back(ind == SQL_NULL_DATA ? Variant::null() : fixedValue(c.kind, cell));
       } else if (auto text = readLong(stmt, number, c.kind, chunk)) {
-        rs.pushCell(c.kind == Kind::Binary ? Variant(std::move(*text))
-                                           : textValue(c.kind, std::move(*text)));
+        cells.push_back(c.kind == Kind::Binary ? Variant(std::move(*text))
+                                               : textValue(c.kind, std::move(*text)));
       } else {
-        rs.pushCell(Variant::null());
+        cells.push_back(Variant::null());
       }
     }
+    onRow(cells);
   }
+}
+
+// --- the record sink's readers ---
+
+Variant blockCell(const void* row, std::size_t source, std::uint8_t /*tag*/) {
+  return blockValue(*static_cast<const BlockRow*>(row), source);
+}
+
+Variant listedCell(const void* row, std::size_t source, std::uint8_t /*tag*/) {
+  return (*static_cast<const std::vector<Variant>*>(row))[source];
+}
+
+template <class T>
+T cellAs(const BlockRow& row, std::size_t i) {
+  T v;
+  std::memcpy(&v, row.cell(i), sizeof v);
+  return v;
+}
+
+void storeLong(const void* p, std::size_t i, std::uint8_t, const vrdppo::Column& c,
+               std::byte* record) {
+  const auto& row = *static_cast<const BlockRow*>(p);
+  const bool null = row.indicator(i) == SQL_NULL_DATA;
+  writeField<Long>(record, c.offset, null ? 0 : static_cast<Long>(cellAs<SQLINTEGER>(row, i)));
+}
+
+void storeDouble(const void* p, std::size_t i, std::uint8_t tag, const vrdppo::Column& c,
+                 std::byte* record) {
+  const auto& row = *static_cast<const BlockRow*>(p);
+  double v = 0;
+  if (row.indicator(i) != SQL_NULL_DATA) {
+    v = static_cast<Kind>(tag) == Kind::Long ? cellAs<SQLINTEGER>(row, i)
+                                             : cellAs<SQLDOUBLE>(row, i);
+  }
+  writeField<Double>(record, c.offset, v);
+}
+
+void storeText(const void* p, std::size_t i, std::uint8_t, const vrdppo::Column& c,
+               std::byte* record) {
+  const auto& row = *static_cast<const BlockRow*>(p);
+  auto* field = reinterpret_cast<char16_t*>(record + c.offset);
+  std::size_t n = 0;
+  if (const SQLLEN ind = row.indicator(i); ind != SQL_NULL_DATA) {
+    n = std::min<std::size_t>(static_cast<std::size_t>(ind) / sizeof(SQLWCHAR), c.length);
+    std::memcpy(field, row.cell(i), n * sizeof(char16_t));
+  }
+  std::fill(field + n, field + c.length, u' ');
+}
+
+class DescribedColumns final : public ResultColumns {
+ public:
+  DescribedColumns(const std::vector<Column>& columns, bool blocks)
+      : columns_(columns), blocks_(blocks) {}
+  std::size_t count() const override { return columns_.size(); }
+  std::u16string_view name(std::size_t index) const override { return columns_[index].name; }
+  CellReader reader(std::size_t index, FieldType field) const override {
+    if (!blocks_) return CellReader{nullptr, listedCell, 0};
+    const Kind kind = columns_[index].kind;
+    CellReader r{nullptr, blockCell, static_cast<std::uint8_t>(kind)};
+    // Where the bound cell is the field's own type, it goes straight in; every other pairing
+    // takes the value the recordset would hold.
+    if (field == FieldType::Long && kind == Kind::Long) r.store = storeLong;
+    if (field == FieldType::Double && (kind == Kind::Long || kind == Kind::Double)) {
+      r.store = storeDouble;
+    }
+    if (field == FieldType::String && kind == Kind::Text) r.store = storeText;
+    return r;
+  }
+
+ private:
+  const std::vector<Column>& columns_;
+  bool blocks_;
+};
+
+}  // namespace
+
+namespace {
+
+// The columns, and whether every one of them can be bound in a block.
+bool describeAll(const Handle& statement, SQLSMALLINT columnCount, std::vector<Column>& columns) {
+  bool blocks = true;
+  for (SQLSMALLINT i = 1; i <= columnCount; ++i) {
+    columns.push_back(describe(statement, static_cast<SQLUSMALLINT>(i)));
+    blocks = blocks && columns.back().width > 0;
+  }
+  // One unbounded column sends the whole result through SQLGetData, which every driver allows
+  // row by row but few allow inside a block.
+  return blocks;
 }
 
 }  // namespace
 
 std::shared_ptr<Recordset> fetchAll(const Handle& statement, SQLSMALLINT columnCount) {
   std::vector<Column> columns;
+  const bool blocks = describeAll(statement, columnCount, columns);
   std::vector<std::u16string> names;
-  bool blocks = true;
-  for (SQLSMALLINT i = 1; i <= columnCount; ++i) {
-    columns.push_back(describe(statement, static_cast<SQLUSMALLINT>(i)));
-    names.push_back(columns.back().name);
-    blocks = blocks && columns.back().width > 0;
-  }
+  for (const Column& c : columns) names.push_back(c.name);
   auto rs = std::make_shared<Recordset>(std::move(names));
-  // One unbounded column sends the whole result through SQLGetData, which every driver allows
-  // row by row but few allow inside a block.
   if (blocks) {
-    fetchBlocks(statement, columns, *rs);
+    fetchBlocks(statement, columns, [&](const BlockRow& row) {
+      for (std::size_t i = 0; i < columns.size(); ++i) rs->pushCell(blockValue(row, i));
+    });
   } else {
-    fetchRows(statement, columns, *rs);
+    fetchRows(statement, columns, [&](std::vector<Variant>& cells) {
+      for (auto& v : cells) rs->pushCell(std::move(v));
+    });
   }
   rs->rewind();
   return rs;
+}
+
+void streamAll(const Handle& statement, SQLSMALLINT columnCount, RecordSink& sink) {
+  std::vector<Column> columns;
+  const bool blocks = describeAll(statement, columnCount, columns);
+  sink.begin(DescribedColumns(columns, blocks));
+  if (blocks) {
+    fetchBlocks(statement, columns, [&](const BlockRow& row) { sink.row(&row); });
+  } else {
+    fetchRows(statement, columns, [&](const std::vector<Variant>& cells) { sink.row(&cells); });
+  }
 }
 
 }  // namespace vrdppo::odbc

@@ -1,0 +1,89 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks and prints each goal's ratio against its baseline from the same run.
+
+    bench/ratios.py [path/to/vrdppo_bench] [--repetitions N]
+
+Medians of N repetitions (7 unless told). The T-SQL rows need VRDPPO_TSQL_CONNECT; without it
+they say they were skipped.
+"""
+import argparse
+import json
+import os
+import subprocess
+import sys
+
+UNIT = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+HERE = os.path.dirname(os.path.abspath(__file__))
+DEFAULT_BINARY = os.path.join(HERE, "..", "build", "release", "bench", "vrdppo_bench")
+
+# (label, measured, baseline, goal, how the goal reads)
+RATIOS = [
+    ("Load STEMS / raw SQLite loop", "BM_LoadStemsIntoBuffer", "BM_PlainSqliteIntoStructs", 1.2),
+    ("Load STEMS / SOCI bulk", "BM_LoadStemsIntoBuffer", "BM_SociStemsIntoStructs", 1.0),
+    ("Load DEGRADATION / raw SQLite loop", "BM_LoadDegradationIntoBuffer",
+     "BM_PlainSqliteDegradationIntoStructs", 1.2),
+    ("Load DEGRADATION / SOCI bulk", "BM_LoadDegradationIntoBuffer",
+     "BM_SociDegradationIntoStructs", 1.0),
+    ("Load STATION / raw SQLite loop", "BM_LoadStationIntoBuffer",
+     "BM_PlainSqliteStationIntoStructs", 1.2),
+    ("Load STATION / SOCI bulk", "BM_LoadStationIntoBuffer", "BM_SociStationIntoStructs", 1.0),
+    ("Load 1,000,000 / 100,000 STEMS", "BM_LoadMillionStemsIntoBuffer", "BM_LoadStemsIntoBuffer",
+     11.0),
+    ("Buffer GetState / memcpy", "BM_BufferGetState", "BM_MemcpyState", 2.0),
+    ("Buffer SetState / memcpy", "BM_BufferSetState", "BM_MemcpyState", 2.0),
+    ("decode every record / memcpy", "BM_DecodeEveryRecord", "BM_MemcpyState", 2.0),
+    ("ODBC (SQLite driver) Load / plain block loop", "BM_OdbcLoadStemsIntoBuffer",
+     "BM_PlainOdbcStemsIntoStructs", 1.3),
+    ("ODBC (FreeTDS, T-SQL engine) Load / plain block loop", "BM_TsqlLoadStemsIntoBuffer",
+     "BM_PlainTsqlStemsIntoStructs", 1.3),
+    ("Commit / prepared INSERT", "BM_CommitInsert", "BM_PreparedInsert", 1.2),
+]
+
+
+def run(binary, repetitions):
+    out = subprocess.run(
+        [binary, "--benchmark_format=json", f"--benchmark_repetitions={repetitions}",
+         f"--benchmark_report_aggregates_only={'true' if repetitions > 1 else 'false'}"],
+        check=True, stdout=subprocess.PIPE, text=True).stdout
+    medians, skipped = {}, {}
+    for b in json.loads(out)["benchmarks"]:
+        name = b.get("run_name", b["name"]).split("/")[0]
+        if b.get("error_occurred"):
+            skipped[name] = b.get("error_message", "error")
+        elif b.get("aggregate_name") == "median" or (repetitions == 1 and
+                                                     b.get("run_type") == "iteration"):
+            medians[name] = b["real_time"] * UNIT[b.get("time_unit", "ns")]
+    return medians, skipped
+
+
+def peak(binary):
+    out = subprocess.run([binary, "--peak-load-stems"], check=True, stdout=subprocess.PIPE,
+                         text=True).stdout
+    values = dict(line.split() for line in out.splitlines() if line.strip())
+    return int(values["peak_rss_bytes"]) / int(values["state_bytes"])
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("binary", nargs="?", default=DEFAULT_BINARY)
+    parser.add_argument("--repetitions", type=int, default=7)
+    args = parser.parse_args()
+    medians, skipped = run(args.binary, args.repetitions)
+    print("| Ratio | Measured | Goal | Met |")
+    print("|---|---|---|---|")
+    for label, measured, baseline, goal in RATIOS:
+        missing = [n for n in (measured, baseline) if n not in medians]
+        if missing:
+            why = "; ".join(sorted({skipped.get(n, "not built") for n in missing}))
+            print(f"| {label} | {why} | <= {goal} | - |")
+            continue
+        ratio = medians[measured] / medians[baseline]
+        print(f"| {label} | {ratio:.2f}x | <= {goal} | {'yes' if ratio <= goal else 'no'} |")
+    ratio = peak(args.binary)
+    print(f"| peak memory, Load of 1,000,000 STEMS / state size | {ratio:.2f}x | <= 1.5 | "
+          f"{'yes' if ratio <= 1.5 else 'no'} |")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

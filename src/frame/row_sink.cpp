@@ -1,0 +1,106 @@
+#include "vrdppo/row_sink.hpp"
+
+#include "vrdppo/error.hpp"
+#include "vrdppo/render.hpp"
+
+namespace vrdppo {
+
+namespace {
+
+constexpr std::size_t kMissing = static_cast<std::size_t>(-1);
+
+// Recordset cells, for a provider that hands over its recordset.
+Variant recordsetCell(const void* row, std::size_t source, std::uint8_t /*tag*/) {
+  return static_cast<const Recordset*>(row)->Fields(source);
+}
+
+}  // namespace
+
+void RecordSink::begin(const ResultColumns& columns) {
+  const auto& fields = layout_.columns;
+  positions_.assign(fields.size(), kMissing);
+  readers_.assign(fields.size(), CellReader{});
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    for (std::size_t c = 0; c < columns.count(); ++c) {
+      if (equalsNoCase(columns.name(c), fields[i].read)) {
+        positions_[i] = c;
+        readers_[i] = columns.reader(c, fields[i].type);
+        break;
+      }
+    }
+    missing_ = missing_ || positions_[i] == kMissing;
+  }
+  begun_ = true;
+}
+
+void RecordSink::startRow() {
+  if (rows_ != 0) return;
+  // Every field is written by every row, so the initialiser runs once: for the trailing field,
+  // and for what a failing row leaves behind.
+  failedInRecord_ = true;
+  firstRow();
+  initialiseRecord(layout_, record_);
+  if (missing_) throw Error::runtime(err::kItemNotFound);
+  failedInRecord_ = false;
+}
+
+void RecordSink::restoreFrom(std::size_t from) noexcept {
+  const auto& fields = layout_.columns;
+  for (std::size_t i = from; i < fields.size(); ++i) initialiseField(fields[i], record_);
+}
+
+void RecordSink::row(const void* providerRow) {
+  startRow();
+  const auto& fields = layout_.columns;
+  std::size_t i = 0;
+  try {
+    for (; i < fields.size(); ++i) {
+      const CellReader& r = readers_[i];
+      if (r.store) {
+        failedInRecord_ = true;
+        r.store(providerRow, positions_[i], r.tag, fields[i], record_);
+      } else {
+        failedInRecord_ = false;
+        const Variant v = r.value(providerRow, positions_[i], r.tag);
+        failedInRecord_ = true;
+        storeField(fields[i], record_, v);
+      }
+    }
+    failedInRecord_ = true;
+    take(record_);
+  } catch (...) {
+    restoreFrom(i);
+    throw;
+  }
+  failedInRecord_ = false;
+  ++rows_;
+}
+
+namespace {
+
+class RecordsetColumns final : public ResultColumns {
+ public:
+  explicit RecordsetColumns(const Recordset& rs) : rs_(rs) {}
+  std::size_t count() const override { return rs_.fieldCount(); }
+  std::u16string_view name(std::size_t index) const override { return rs_.fieldName(index); }
+  CellReader reader(std::size_t, FieldType) const override {
+    return CellReader{nullptr, recordsetCell, 0};
+  }
+
+ private:
+  const Recordset& rs_;
+};
+
+}  // namespace
+
+void RecordSink::walk(Recordset& rs) {
+  if (rs.State() != adStateOpen) return;
+  begin(RecordsetColumns(rs));
+  while (!(rs.EOF_() || rs.BOF())) {
+    row(&rs);
+    rs.MoveNext();
+  }
+  if (rows_ != 0 || !leavesEmptyResultOpen()) rs.Close();
+}
+
+}  // namespace vrdppo
