@@ -2,10 +2,12 @@
 // conversions between the platform's VARIANT and the library's Variant. Windows only.
 #pragma once
 
+// windows.h first: the other platform headers take their basic types from it.
+#include <windows.h>
+
 #include <cguid.h>
 #include <oaidl.h>
 #include <ole2.h>
-#include <windows.h>
 
 #include <cstddef>
 #include <string>

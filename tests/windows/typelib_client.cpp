@@ -2,11 +2,14 @@
 // what the registry says (vrdppo_idl's expectations), and calls a class through its vtable and
 // through IDispatch with what late-bound callers really pass.
 // Usage: typelib_client.exe EXPECTATIONS STORE
-#include <cguid.h>
+// windows.h first, and initguid.h before the GUIDs of the generated header, which it defines.
+#include <windows.h>
+
 #include <initguid.h>
+
+#include <cguid.h>
 #include <oaidl.h>
 #include <ole2.h>
-#include <windows.h>
 
 #include <cstdio>
 #include <fstream>
