@@ -26,7 +26,8 @@ command -v npm >/dev/null || { echo "fetch-sqlite: npm is missing (apt-get insta
 mkdir -p "$dir"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-(cd "$work" && npm pack --silent "$package@$version" >/dev/null)
+(cd "$work" && npm pack --loglevel=error "$package@$version" >/dev/null) ||
+  { echo "fetch-sqlite: npm could not fetch $package@$version" >&2; exit 1; }
 archive="$work/$package-$version.tgz"
 echo "$tarball_sha  $archive" | sha256sum --quiet -c - || {
   echo "fetch-sqlite: $package-$version.tgz does not have the pinned SHA-256" >&2
