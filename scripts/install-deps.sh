@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the build, the tests and the demo need, from Debian's packages.
+# Installs what the build, the tests and the demo need, from Debian's packages. With the argument
+# "windows", also what the Windows build and its suite under Wine need.
 set -euo pipefail
 packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
@@ -7,6 +8,13 @@ packages=(g++ cmake make pkg-config git ca-certificates
           libcli11-dev nlohmann-json3-dev
           python3 python3-pip python3-setuptools python3-wheel
           clang-14 libclang-rt-14-dev)
+if [ "${1:-}" = windows ]; then
+  # MinGW-w64 with posix threads, widl, the IDL files to import, Wine, and npm for the pinned
+  # SQLite amalgamation (scripts/fetch-sqlite.sh).
+  packages+=(g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine64)
+  # Any npm will do (a machine may have Node.js from elsewhere, whose npm Debian's conflicts with).
+  command -v npm >/dev/null || packages+=(npm)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
