@@ -70,10 +70,6 @@ set_source_files_properties(${gen}/vrdppo.rc PROPERTIES OBJECT_DEPENDS ${gen}/vr
 # Everything but the C interface: the DLL's surface is the four exports of the .def file.
 file(GLOB_RECURSE VRDPPO_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 list(FILTER VRDPPO_SOURCES EXCLUDE REGEX "/src/capi/")
-# The platform's sql.h takes its basic types from windows.h without including it.
-set(odbc_sources ${VRDPPO_SOURCES})
-list(FILTER odbc_sources INCLUDE REGEX "/src/providers/odbc/")
-set_source_files_properties(${odbc_sources} PROPERTIES COMPILE_OPTIONS "-include;windows.h")
 add_library(vrdppo_dll SHARED ${VRDPPO_SOURCES} ${gen}/vrdppo.rc
                               ${PROJECT_SOURCE_DIR}/src/server/vrdppo.def
                               $<TARGET_OBJECTS:vrdppo_sqlite>)

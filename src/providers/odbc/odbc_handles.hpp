@@ -2,6 +2,11 @@
 // UTF-16 text in and out of the wide-character calls.
 #pragma once
 
+#ifdef _WIN32
+// The platform's sql.h takes its basic types from windows.h without including it.
+#include <windows.h>
+#endif
+
 #include <sql.h>
 #include <sqlext.h>
 
