@@ -1,8 +1,12 @@
 // Buffer states with scripts of member calls. The first byte chooses between a crafted state
-// (any header, any records) and a Buffer built by Initialize and Add, whose records must come
-// back from Item exactly; each following group of bytes is one call.
+// (any header, any records), a Buffer built by Initialize and Add, whose records must come back
+// from Item exactly, and a BufferWriter fed in step with a Buffer, which must give the same state
+// and raise the same errors; in a script, each following group of bytes is one call.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "fuzz_input.hpp"
@@ -96,11 +100,40 @@ void built(fuzz::Input& in) {
   }
 }
 
+// Any record length and estimate, odd growth and all: Load's writer and Initialize then Add must
+// agree to the character and the error.
+void writer(fuzz::Input& in) {
+  const auto length = static_cast<std::int16_t>(in.byte() % 48);
+  const auto estimate = static_cast<std::int32_t>(in.integer<std::int16_t>() % 600);
+  Buffer b;
+  const std::int32_t initialized = fuzz::errorNumber([&] { b.Initialize(length, estimate); });
+  std::optional<BufferWriter> w;
+  if (fuzz::errorNumber([&] { w.emplace(length, estimate); }) != initialized) std::abort();
+  if (initialized != 0) return;
+  while (!in.empty() && b.Count() < 4096) {
+    if (!addFits(b)) return;
+    const std::u16string r = in.units(in.byte() % 64);
+    const std::int32_t added = fuzz::errorNumber([&] { b.Add(r); });
+    const std::int32_t next = fuzz::errorNumber([&] {
+      const std::span<char16_t> to = w->next();
+      const std::u16string whole = padded(r, static_cast<std::size_t>(length));
+      std::copy_n(whole.begin(), to.size(), to.begin());
+    });
+    if (added != next) std::abort();
+    if (added != 0) return;
+  }
+  if (w->state() != b.GetState()) std::abort();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input in(data, size);
   const std::uint8_t mode = in.byte();
+  if (mode % 4 == 3) {
+    writer(in);
+    return 0;
+  }
   if (mode & 1) {
     built(in);
     return 0;

@@ -60,4 +60,15 @@ bool answers(F&& f) {
   }
 }
 
+// The number of the error f raises; 0 when it raises none.
+template <class F>
+std::int32_t errorNumber(F&& f) {
+  try {
+    f();
+    return 0;
+  } catch (const Error& e) {
+    return e.number();
+  }
+}
+
 }  // namespace vrdppo::fuzz

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vrdppo/visibility.hpp"
 
@@ -21,8 +22,17 @@ class Buffer {
   std::u16string GetState() const;
   void SetState(std::u16string_view state);
   std::u16string Item(std::int32_t index) const;
-  // As Item, without a copy: a view into the Buffer, good until it next changes.
-  std::u16string_view ItemView(std::int32_t index) const;
+  // As Item, without a copy: a view into the Buffer, good until it next changes. Inline, for
+  // those who walk every record: only a record that lies whole inside the text is read here.
+  std::u16string_view ItemView(std::int32_t index) const {
+    if (index < 1 || index > count_) return {};
+    const std::int64_t start = (std::int64_t{index} - 1) * recordLength_ + 9;
+    if (recordLength_ >= 0 &&
+        start + recordLength_ - 1 <= static_cast<std::int64_t>(text_.size())) {
+      return {text_.data() + (start - 1), static_cast<std::size_t>(recordLength_)};
+    }
+    return itemViewAtEdge(index);
+  }
   void Item(std::int32_t index, std::u16string_view record);
   std::int32_t Count() const noexcept { return count_; }
   std::int32_t Length() const noexcept { return recordLength_; }
@@ -43,6 +53,8 @@ class Buffer {
   std::size_t textLength() const noexcept { return text_.size(); }
 
  private:
+  std::u16string_view itemViewAtEdge(std::int32_t index) const;
+
   mutable std::u16string text_;  // GetState writes the header into it, as the class always did
   std::int16_t recordLength_ = 0;
   std::uint16_t headerPadding_ = 0;  // travels through SetState and back out of GetState
@@ -57,9 +69,9 @@ class Buffer {
 };
 
 // The state that Initialize and then Add of record after record leave GetState to give, built
-// in place: each record is written straight into storage that doubles as it fills, and the
-// finished state is handed out once. The header's estimate and capacity follow the class's own
-// growth arithmetic, as do its errors.
+// in place: each record is written straight into storage taken in stretches as it fills, never
+// moved as it grows, and the finished state is copied out once. The header's estimate and
+// capacity follow the class's own growth arithmetic, as do its errors.
 class BufferWriter {
  public:
   // Raises what Initialize raises.
@@ -69,18 +81,27 @@ class BufferWriter {
   BufferWriter& operator=(const BufferWriter&) = delete;
 
   // Where the next record goes: its recordLength characters, or fewer where the class's growth
-  // left its text short of them. Raises what Add raises.
+  // left its text short of them. Raises what Add raises; a negative record length, which no
+  // record has, is an invalid call.
   std::span<char16_t> next();
   std::int32_t count() const noexcept { return count_; }
   // The state, as GetState gives it; the writer holds nothing afterwards.
   std::u16string state();
 
  private:
-  void reserve(std::size_t chars);
+  struct Stretch {
+    char16_t* data;
+    std::size_t records;  // whole record slots it holds
+    std::size_t bytes;    // of storage
+    bool mapped;          // mapped on its own rather than allocated
+  };
+  void addStretch();
+  void release() noexcept;
 
-  char16_t* data_ = nullptr;  // the records, from the first character after the header
-  std::size_t room_ = 0;      // characters data_ holds
-  std::size_t written_ = 0;   // characters of records written
+  std::vector<Stretch> stretches_;
+  char16_t* slot_ = nullptr;   // the next record's slot in the last stretch
+  std::size_t slotsLeft_ = 0;  // slots after slot_ in the last stretch, slot_ included
+  std::size_t firstRecords_;   // slots in the first stretch; later ones double to a cap
   std::int16_t recordLength_;
   std::int32_t estimate_;
   std::int32_t capacity_;

@@ -213,8 +213,7 @@ std::u16string Buffer::Item(std::int32_t index) const {
   return mid(text_, itemPosition(index, recordLength_), recordLength_);
 }
 
-std::u16string_view Buffer::ItemView(std::int32_t index) const {
-  if (index < 1 || index > count_) return {};
+std::u16string_view Buffer::itemViewAtEdge(std::int32_t index) const {
   // Item's Mid$, with its errors, as a view.
   const std::int32_t start = itemPosition(index, recordLength_);
   if (start < 1) throw Error::runtime(err::kInvalidCall);
@@ -276,50 +275,104 @@ std::int32_t Buffer::RemoveRange(std::int32_t first, std::int32_t last) {
 
 namespace {
 
-// Records are copied out of the writer's storage in stretches of this many characters; a large
-// run gives each stretch's pages back once copied, so that the records are never held twice.
-constexpr std::size_t kReleaseStretch = std::size_t{1} << 19;
-constexpr std::size_t kReleaseFrom = std::size_t{8} << 20;  // characters
+// Records go into stretches of storage that are never moved: the first sized by the estimate,
+// each later one twice the last, up to this many characters (2 MiB).
+constexpr std::size_t kStretchChars = std::size_t{1} << 20;
+constexpr std::int64_t kFirstRecords = 256;
+constexpr std::size_t kHugePage = std::size_t{2} << 20;  // bytes
 
-void releasePages([[maybe_unused]] char16_t* from, [[maybe_unused]] std::size_t chars) noexcept {
-#if defined(__linux__)
+// Large storage is advised as huge pages where the system has them: on a large Load a fault for
+// every 4 KiB page costs more than writing the page. Only whole pages inside the block are
+// advised; the allocator's own words lie outside them.
+void adviseHuge([[maybe_unused]] void* from, [[maybe_unused]] std::size_t bytes) noexcept {
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
   static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   const auto begin = (reinterpret_cast<std::uintptr_t>(from) + page - 1) & ~(page - 1);
-  const auto end = (reinterpret_cast<std::uintptr_t>(from + chars)) & ~(page - 1);
-  // Only whole pages inside the block: the allocator's own words lie outside it.
-  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+  const auto end = (reinterpret_cast<std::uintptr_t>(from) + bytes) & ~(page - 1);
+  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
 #endif
+}
+
+// A large stretch on Linux is mapped on its own, whole huge pages aligned to one, so that all of
+// it can be huge pages and unmapping it gives its memory back at once: the records are never held
+// twice while they are copied out. Elsewhere, and for the small stretches, the allocator serves.
+void* allocateStretch(std::size_t& bytes, bool& mapped) noexcept {
+  mapped = false;
+#if defined(__linux__)
+  if (bytes >= kHugePage / 2) {
+    bytes = (bytes + kHugePage - 1) & ~(kHugePage - 1);
+    void* p = mmap(nullptr, bytes + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
+                   -1, 0);
+    if (p == MAP_FAILED) return nullptr;
+    const auto at = reinterpret_cast<std::uintptr_t>(p);
+    const auto begin = (at + kHugePage - 1) & ~(kHugePage - 1);
+    const auto end = at + bytes + kHugePage;
+    if (begin > at) munmap(p, begin - at);
+    if (end > begin + bytes) munmap(reinterpret_cast<void*>(begin + bytes), end - begin - bytes);
+    adviseHuge(reinterpret_cast<void*>(begin), bytes);
+    mapped = true;
+    return reinterpret_cast<void*>(begin);
+  }
+#endif
+  return std::malloc(bytes);
+}
+
+void freeStretch(void* data, [[maybe_unused]] std::size_t bytes, bool mapped) noexcept {
+#if defined(__linux__)
+  if (mapped) {
+    munmap(data, bytes);
+    return;
+  }
+#endif
+  (void)mapped;
+  std::free(data);
 }
 
 }  // namespace
 
 BufferWriter::BufferWriter(std::int16_t recordLength, std::int32_t estimate)
-    : recordLength_(recordLength),
+    : firstRecords_(static_cast<std::size_t>(std::clamp<std::int64_t>(estimate, 1, kFirstRecords))),
+      recordLength_(recordLength),
       estimate_(estimate),
       capacity_(estimate),
-      textChars_(static_cast<std::int64_t>(initialChars(recordLength, estimate))) {
-  // The estimate is often a generous lTop: room for a modest part of it, the rest as it comes.
-  constexpr std::int64_t kFirstRecords = 256;
-  if (recordLength_ > 0) {
-    reserve(static_cast<std::size_t>(std::clamp<std::int64_t>(estimate, 1, kFirstRecords) *
-                                     recordLength_));
-  }
-}
+      textChars_(static_cast<std::int64_t>(initialChars(recordLength, estimate))) {}
 
 BufferWriter::~BufferWriter() {
-  std::free(data_);
+  release();
 }
 
-void BufferWriter::reserve(std::size_t chars) {
-  if (chars <= room_) return;
-  const std::size_t room = std::max(chars, room_ * 2);
-  void* grown = std::realloc(data_, room * sizeof(char16_t));
-  if (!grown) throw Error::runtime(err::kOutOfMemory);
-  data_ = static_cast<char16_t*>(grown);
-  room_ = room;
+void BufferWriter::release() noexcept {
+  for (const Stretch& s : stretches_) {
+    if (s.data) freeStretch(s.data, s.bytes, s.mapped);
+  }
+  stretches_.clear();
+  slot_ = nullptr;
+  slotsLeft_ = 0;
+}
+
+void BufferWriter::addStretch() {
+  const auto length = static_cast<std::size_t>(recordLength_);
+  std::size_t records = firstRecords_;
+  if (!stretches_.empty()) {
+    records =
+        std::max<std::size_t>(1, std::min(stretches_.back().records * 2, kStretchChars / length));
+  }
+  guardMemory([&] {
+    stretches_.reserve(stretches_.size() + 1);
+    return 0;
+  });
+  std::size_t bytes = records * length * sizeof(char16_t);
+  bool mapped = false;
+  auto* data = static_cast<char16_t*>(allocateStretch(bytes, mapped));
+  if (!data) throw Error::runtime(err::kOutOfMemory);
+  records = std::max(records, bytes / (length * sizeof(char16_t)));  // all that it holds
+  stretches_.push_back({data, records, bytes, mapped});
+  slot_ = data;
+  slotsLeft_ = records;
 }
 
 std::span<char16_t> BufferWriter::next() {
+  if (recordLength_ < 0) throw Error::runtime(err::kInvalidCall);
   if (count_ == capacity_) {
     const Growth g =
         growth(recordLength_, estimate_, capacity_, static_cast<std::size_t>(textChars_));
@@ -329,18 +382,23 @@ std::span<char16_t> BufferWriter::next() {
   // Add's Mid$ statement: a start past the text's end is an invalid call, and a record runs
   // only to the text's end.
   if (nextPosition_ < 9 || nextPosition_ > textChars_) throw Error::runtime(err::kInvalidCall);
-  const auto from = static_cast<std::size_t>(nextPosition_ - 9);
+  const auto length = static_cast<std::size_t>(recordLength_);
   const auto chars = static_cast<std::size_t>(
       std::min<std::int64_t>(recordLength_, textChars_ - (nextPosition_ - 1)));
   const std::int32_t position = long32(std::int64_t{nextPosition_} + recordLength_);
   const std::int32_t count = long32(std::int64_t{count_} + 1);
-  reserve(from + chars);
-  // Behind a record cut short by the text's end, growth left blanks.
-  if (from > written_) std::fill(data_ + written_, data_ + from, u' ');
+  char16_t* at = nullptr;
+  if (length != 0) {
+    if (slotsLeft_ == 0) addStretch();
+    at = slot_;
+    slot_ += length;
+    --slotsLeft_;
+    // Behind a record cut short by the text's end, growth leaves blanks.
+    std::fill(at + chars, at + length, u' ');
+  }
   nextPosition_ = position;
   count_ = count;
-  written_ = from + chars;
-  return {data_ + from, chars};
+  return {at, chars};
 }
 
 std::u16string BufferWriter::state() {
@@ -350,20 +408,21 @@ std::u16string BufferWriter::state() {
     out.reserve(length);
     return 0;
   });
+  if (length * sizeof(char16_t) >= 2 * kHugePage) adviseHuge(out.data(), length * sizeof(char16_t));
   char16_t header[8];
   writeHeader(header, recordLength_, 0, estimate_, capacity_, count_);
   out.append(header, std::min<std::size_t>(8, length));
-  const std::size_t records = std::min(written_, length - out.size());
-  const bool release = room_ >= kReleaseFrom;
-  for (std::size_t at = 0; at < records; at += kReleaseStretch) {
-    const std::size_t n = std::min(kReleaseStretch, records - at);
-    out.append(data_ + at, n);
-    if (release) releasePages(data_ + at, n);
+  // Each stretch is given back once copied.
+  std::size_t records = std::min(static_cast<std::size_t>(nextPosition_ - 9), length - out.size());
+  for (Stretch& s : stretches_) {
+    const std::size_t n = std::min(records, s.records * static_cast<std::size_t>(recordLength_));
+    out.append(s.data, n);
+    records -= n;
+    freeStretch(s.data, s.bytes, s.mapped);
+    s.data = nullptr;
   }
   out.resize(length, u' ');
-  std::free(data_);
-  data_ = nullptr;
-  room_ = written_ = 0;
+  release();
   return out;
 }
 

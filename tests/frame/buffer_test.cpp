@@ -250,6 +250,39 @@ TEST(BufferWriter, AgreesWithInitializeAndAdd) {
   }
 }
 
+// Long runs cross the writer's stretches of storage, the large ones included; an odd estimate's
+// growth cuts records short and at last raises, in a stretch as in the Buffer.
+TEST(BufferWriter, LongRunsAgreeWithInitializeAndAdd) {
+  struct Case {
+    std::int16_t length;
+    std::int32_t estimate;
+    int count;
+  };
+  for (const Case c :
+       {Case{43, 10, 70000}, Case{4, 2, 5000}, Case{127, 1000, 3000}, Case{5, 3, 100}}) {
+    Buffer b;
+    b.Initialize(c.length, c.estimate);
+    BufferWriter w(c.length, c.estimate);
+    std::int32_t expected = 0;
+    std::int32_t got = 0;
+    int added = 0;
+    for (; added < c.count && expected == 0; ++added) {
+      std::u16string r = rec(static_cast<char16_t>(u'a' + added % 26), c.length);
+      r[0] = static_cast<char16_t>(0x100 + added % 0xF000);  // no two neighbours alike
+      expected = numberOf([&] { b.Add(r); });
+      got = numberOf([&] {
+        const auto to = w.next();
+        std::copy_n(r.begin(), to.size(), to.begin());
+      });
+    }
+    const auto where = ::testing::Message() << c.length << "x" << c.estimate << ", " << added;
+    ASSERT_EQ(got, expected) << where;
+    if (expected == 0) {
+      EXPECT_EQ(w.state(), b.GetState()) << where;
+    }
+  }
+}
+
 TEST(BufferWriter, RaisesWhatInitializeRaises) {
   EXPECT_EQ(numberOf([] { BufferWriter(43, std::numeric_limits<std::int32_t>::max()); }),
             err::kOverflow);
