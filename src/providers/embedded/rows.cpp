@@ -109,62 +109,78 @@ void storeAny(sqlite3_stmt* st, int i, Kind kind, const Column& c, std::byte* re
   storeField(c, record, cell(st, i, kind));
 }
 
+// The connection is opened without its mutex, so the column's value may be read through
+// sqlite3_value_* directly: one call into the statement per cell instead of one per question.
+sqlite3_value* valueOf(const void* row, std::size_t source) {
+  return sqlite3_column_value(stmtOf(row), static_cast<int>(source));
+}
+
 void storeLong(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
                std::byte* record) {
-  sqlite3_stmt* st = stmtOf(row);
-  const int i = static_cast<int>(source);
+  sqlite3_value* v = valueOf(row, source);
   const auto kind = static_cast<Kind>(tag);
-  const int type = sqlite3_column_type(st, i);
+  const int type = sqlite3_value_type(v);
   if (type == SQLITE_NULL) return writeField<Long>(record, c.offset, 0);
   if (type == SQLITE_INTEGER && (kind == Kind::Integer || kind == Kind::Storage)) {
-    const std::int64_t v = sqlite3_column_int64(st, i);
-    if (v >= INT32_MIN && v <= INT32_MAX) {
-      return writeField<Long>(record, c.offset, static_cast<Long>(v));
+    const std::int64_t n = sqlite3_value_int64(v);
+    if (n >= INT32_MIN && n <= INT32_MAX) {
+      return writeField<Long>(record, c.offset, static_cast<Long>(n));
     }
   }
-  storeAny(st, i, kind, c, record);
+  storeAny(stmtOf(row), static_cast<int>(source), kind, c, record);
 }
 
 void storeDouble(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
                  std::byte* record) {
-  sqlite3_stmt* st = stmtOf(row);
-  const int i = static_cast<int>(source);
+  sqlite3_value* v = valueOf(row, source);
   const auto kind = static_cast<Kind>(tag);
   const bool numeric = kind == Kind::Integer || kind == Kind::Storage || kind == Kind::Float;
-  switch (sqlite3_column_type(st, i)) {
+  switch (sqlite3_value_type(v)) {
     case SQLITE_NULL:
       return writeField<Double>(record, c.offset, 0.0);
     case SQLITE_INTEGER:
       if (numeric) {
-        return writeField<Double>(record, c.offset,
-                                  static_cast<double>(sqlite3_column_int64(st, i)));
+        return writeField<Double>(record, c.offset, static_cast<double>(sqlite3_value_int64(v)));
       }
       break;
     case SQLITE_FLOAT:
-      if (numeric) return writeField<Double>(record, c.offset, sqlite3_column_double(st, i));
+      if (numeric) return writeField<Double>(record, c.offset, sqlite3_value_double(v));
       break;
     default:
       break;
   }
-  storeAny(st, i, kind, c, record);
+  storeAny(stmtOf(row), static_cast<int>(source), kind, c, record);
+}
+
+// A date column's text read straight into the Date field; every other value as cell() gives it.
+void storeDate(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
+               std::byte* record) {
+  sqlite3_value* v = valueOf(row, source);
+  const int type = sqlite3_value_type(v);
+  if (type == SQLITE_NULL) return initialiseField(c, record);  // the default date, as for NULL
+  if (type == SQLITE_TEXT) {
+    const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(v));
+    const auto bytes = static_cast<std::size_t>(sqlite3_value_bytes(v));
+    if (const auto d = storedDate({p, bytes})) return writeField<Date>(record, c.offset, *d);
+  }
+  storeAny(stmtOf(row), static_cast<int>(source), static_cast<Kind>(tag), c, record);
 }
 
 // Text widened straight into the String*N field: its first N bytes, when they are ASCII, are its
 // first N characters whatever follows them.
 void storeString(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
                  std::byte* record) {
-  sqlite3_stmt* st = stmtOf(row);
-  const int i = static_cast<int>(source);
+  sqlite3_value* v = valueOf(row, source);
   const auto kind = static_cast<Kind>(tag);
   auto* field = reinterpret_cast<char16_t*>(record + c.offset);
-  const int type = sqlite3_column_type(st, i);
+  const int type = sqlite3_value_type(v);
   if (type == SQLITE_NULL) {
     std::fill(field, field + c.length, u' ');
     return;
   }
   if ((type == SQLITE_TEXT || type == SQLITE_BLOB) && kind != Kind::Date) {
-    const unsigned char* p = sqlite3_column_text(st, i);
-    const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes(st, i));
+    const unsigned char* p = sqlite3_value_text(v);
+    const auto bytes = static_cast<std::size_t>(sqlite3_value_bytes(v));
     const std::size_t n = std::min<std::size_t>(bytes, c.length);
     unsigned char high = 0;
     for (std::size_t k = 0; k < n; ++k) high |= p[k];
@@ -174,7 +190,7 @@ void storeString(const void* row, std::size_t source, std::uint8_t tag, const Co
       return;
     }
   }
-  storeAny(st, i, kind, c, record);
+  storeAny(stmtOf(row), static_cast<int>(source), kind, c, record);
 }
 
 class StatementColumns final : public ResultColumns {
@@ -198,6 +214,7 @@ class StatementColumns final : public ResultColumns {
     if (field == FieldType::Long) r.store = storeLong;
     if (field == FieldType::Double) r.store = storeDouble;
     if (field == FieldType::String) r.store = storeString;
+    if (field == FieldType::Date && kind == Kind::Date) r.store = storeDate;
     return r;
   }
 
