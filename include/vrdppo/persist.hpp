@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -166,6 +167,15 @@ class PersistWith : protected RecordHolder<Record>, public Base {
     static_assert(std::is_standard_layout_v<Record> && std::is_trivially_copyable_v<Record>);
   }
   std::byte* recordBytes() noexcept override { return reinterpret_cast<std::byte*>(&this->rec); }
+  // PersistObject's SetState, with the record's size known here: a state that covers the whole
+  // record is copied in at once, which is what a walk over a Buffer's records does.
+  void SetState(std::u16string_view state) {
+    if (state.size() * sizeof(char16_t) >= sizeof(Record)) {
+      std::memcpy(static_cast<void*>(&this->rec), state.data(), sizeof(Record));
+    } else {
+      Base::SetState(state);
+    }
+  }
   Record& record() noexcept { return this->rec; }
   const Record& record() const noexcept { return this->rec; }
 };

@@ -203,6 +203,21 @@ TEST_F(Contract, SetStateCutsAndPadsWithBlanks) {
   EXPECT_NE(db.statements().back().find(u"WHERE STEMSID = 2097184"), std::u16string::npos);
 }
 
+// A class's own SetState copies a whole record at once; through the base it goes field by byte.
+// Every length of state, short ones padded, must leave both records alike.
+TEST_F(Contract, SetStateOfTheClassAgreesWithTheBase) {
+  std::u16string state;
+  for (char16_t c = 0; c < 50; ++c) state += static_cast<char16_t>(0x4101 + 3 * c);
+  for (std::size_t n = 0; n <= state.size(); ++n) {
+    cStemsPersist own;
+    cStemsPersist base;
+    own.SetState(std::u16string_view(state).substr(0, n));
+    static_cast<PersistObject&>(base).SetState(std::u16string_view(state).substr(0, n));
+    EXPECT_EQ(std::memcmp(own.recordBytes(), base.recordBytes(), sizeof(StemsRecord)), 0) << n;
+    EXPECT_EQ(own.GetState(), base.GetState()) << n;
+  }
+}
+
 TEST_F(Contract, RenderingFollowsTheCodes) {
   const auto spec = newState<cProductionGradeSpecPersist>([](ProductionGradeSpecRecord& r) {
     r.ProductionGradeId = 9;
