@@ -29,7 +29,9 @@ struct FixedString {
 template <std::size_t N>
 void put(FixedString<N>& field, std::u16string_view s) noexcept {
   const std::size_t n = s.size() < N ? s.size() : N;
-  for (std::size_t i = 0; i < N; ++i) field.c[i] = i < n ? s[i] : u' ';
+  std::size_t i = 0;
+  for (; i < n; ++i) field.c[i] = s[i];
+  for (; i < N; ++i) field.c[i] = u' ';
 }
 
 // A String*N field's text without the blanks at either end.
