@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -12,7 +13,28 @@
 #include "stores.hpp"
 #include "vrdppo/embedded_store.hpp"
 
+#if defined(__linux__)
+#include <sys/resource.h>
+#endif
+
 namespace vrdppo::bench {
+
+// Minor page faults taken so far by the process: where a large Load's time goes on a machine
+// whose faults are dear, so each Load benchmark reports its faults per iteration.
+inline std::int64_t pageFaults() {
+#if defined(__linux__)
+  rusage u{};
+  getrusage(RUSAGE_SELF, &u);
+  return u.ru_minflt;
+#else
+  return 0;
+#endif
+}
+
+inline void countFaults(benchmark::State& state, std::int64_t before) {
+  state.counters["faults"] = benchmark::Counter(static_cast<double>(pageFaults() - before),
+                                                benchmark::Counter::kAvgIterations);
+}
 
 inline void exec(sqlite3* db, const char* sql) {
   char* message = nullptr;
@@ -68,11 +90,13 @@ void loadIntoBuffer(benchmark::State& state, const Store& s, std::size_t recordC
                     std::size_t rows, Top... lTop) {
   Class o;
   std::size_t chars = 0;
+  const std::int64_t faults = pageFaults();
   for (auto _ : state) {
     const std::u16string buffer = o.Load(u"", s.connect, lTop...);
     chars = buffer.size();
     benchmark::DoNotOptimize(buffer.data());
   }
+  countFaults(state, faults);
   if (chars != 9u + recordChars * rows) state.SkipWithError("wrong state length");
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(rows));
 }
@@ -83,6 +107,7 @@ template <class Record, class Read>
 void plainSqliteIntoStructs(benchmark::State& state, const Store& s, const char* sql,
                             std::size_t rows, Read read) {
   std::vector<Record> records;
+  const std::int64_t faults = pageFaults();
   for (auto _ : state) {
     sqlite3* db = nullptr;
     sqlite3_open_v2(s.path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
@@ -98,6 +123,7 @@ void plainSqliteIntoStructs(benchmark::State& state, const Store& s, const char*
     sqlite3_close(db);
     benchmark::DoNotOptimize(records.data());
   }
+  countFaults(state, faults);
   if (records.size() != rows) state.SkipWithError("wrong row count");
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(rows));
 }

@@ -113,6 +113,19 @@ void BM_LoadMillionStemsIntoBuffer(benchmark::State& state) {
   vrdppo::bench::loadIntoBuffer<vrdppo::cStemsPersist>(state, millionStore(), 43, 10 * kRows);
 }
 
+// How the raw loop itself scales, for reading the Load's ratio against it.
+void BM_PlainSqliteMillionIntoStructs(benchmark::State& state) {
+  vrdppo::bench::plainSqliteIntoStructs<vrdppo::StemsRecord>(
+      state, millionStore(), "SELECT * FROM STEMS", 10 * kRows, [](sqlite3_stmt* select, auto& r) {
+        r.StemsId = sqlite3_column_int(select, 0);
+        r.TotalNetWeight = sqlite3_column_double(select, 1);
+        r.ContainerStart = sqlite3_column_int(select, 2);
+        r.ContainerEnd = sqlite3_column_int(select, 3);
+        r.StemTypeID = sqlite3_column_int(select, 4);
+        r.ProductionRunId = sqlite3_column_int(select, 5);
+      });
+}
+
 // The baseline of Commit: the same INSERT prepared once on a handle held open, in the store's
 // own journal mode (WAL) and synchronous setting (FULL), each row its own transaction.
 void BM_PreparedInsert(benchmark::State& state) {
@@ -142,6 +155,7 @@ void BM_PreparedInsert(benchmark::State& state) {
 BENCHMARK(BM_LoadStemsIntoBuffer)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_PlainSqliteIntoStructs)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_LoadMillionStemsIntoBuffer)->Unit(benchmark::kMillisecond)->MinTime(4.0);
+BENCHMARK(BM_PlainSqliteMillionIntoStructs)->Unit(benchmark::kMillisecond)->MinTime(4.0);
 BENCHMARK(BM_CommitInsert)->Unit(benchmark::kMicrosecond)->MinTime(2.0);
 BENCHMARK(BM_PreparedInsert)->Unit(benchmark::kMicrosecond)->MinTime(2.0);
 
