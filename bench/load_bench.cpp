@@ -57,9 +57,10 @@ void BM_LoadStemsIntoBuffer(benchmark::State& state) {
   vrdppo::bench::loadIntoBuffer<vrdppo::cStemsPersist>(state, store(), 43, kRows);
 }
 
-void BM_PlainSqliteIntoStructs(benchmark::State& state) {
+// The raw loop over every stem of a store.
+void plainStems(benchmark::State& state, const Store& s, std::size_t rows) {
   vrdppo::bench::plainSqliteIntoStructs<vrdppo::StemsRecord>(
-      state, store(), "SELECT * FROM STEMS", kRows, [](sqlite3_stmt* select, auto& r) {
+      state, s, "SELECT * FROM STEMS", rows, [](sqlite3_stmt* select, auto& r) {
         r.StemsId = sqlite3_column_int(select, 0);
         r.TotalNetWeight = sqlite3_column_double(select, 1);
         r.ContainerStart = sqlite3_column_int(select, 2);
@@ -67,6 +68,10 @@ void BM_PlainSqliteIntoStructs(benchmark::State& state) {
         r.StemTypeID = sqlite3_column_int(select, 4);
         r.ProductionRunId = sqlite3_column_int(select, 5);
       });
+}
+
+void BM_PlainSqliteIntoStructs(benchmark::State& state) {
+  plainStems(state, store(), kRows);
 }
 
 // Commits go to a store of their own, so that the stems every Load reads stay kRows.
@@ -115,15 +120,7 @@ void BM_LoadMillionStemsIntoBuffer(benchmark::State& state) {
 
 // How the raw loop itself scales, for reading the Load's ratio against it.
 void BM_PlainSqliteMillionIntoStructs(benchmark::State& state) {
-  vrdppo::bench::plainSqliteIntoStructs<vrdppo::StemsRecord>(
-      state, millionStore(), "SELECT * FROM STEMS", 10 * kRows, [](sqlite3_stmt* select, auto& r) {
-        r.StemsId = sqlite3_column_int(select, 0);
-        r.TotalNetWeight = sqlite3_column_double(select, 1);
-        r.ContainerStart = sqlite3_column_int(select, 2);
-        r.ContainerEnd = sqlite3_column_int(select, 3);
-        r.StemTypeID = sqlite3_column_int(select, 4);
-        r.ProductionRunId = sqlite3_column_int(select, 5);
-      });
+  plainStems(state, millionStore(), 10 * kRows);
 }
 
 // The baseline of Commit: the same INSERT prepared once on a handle held open, in the store's

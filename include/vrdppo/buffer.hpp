@@ -92,8 +92,7 @@ class BufferWriter {
   struct Stretch {
     char16_t* data;
     std::size_t records;  // whole record slots it holds
-    std::size_t bytes;    // of storage
-    bool mapped;          // mapped on its own rather than allocated
+    std::size_t bytes;    // of storage, which says how it was taken
   };
   void addStretch();
   void release() noexcept;

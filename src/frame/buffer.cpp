@@ -296,10 +296,19 @@ void adviseHuge([[maybe_unused]] void* from, [[maybe_unused]] std::size_t bytes)
 // A large stretch on Linux is mapped on its own, whole huge pages aligned to one, so that all of
 // it can be huge pages and unmapping it gives its memory back at once: the records are never held
 // twice while they are copied out. Elsewhere, and for the small stretches, the allocator serves.
-void* allocateStretch(std::size_t& bytes, bool& mapped) noexcept {
-  mapped = false;
+bool mappedOnItsOwn([[maybe_unused]] std::size_t bytes) noexcept {
 #if defined(__linux__)
-  if (bytes >= kHugePage / 2) {
+  return bytes >= kHugePage / 2;
+#else
+  return false;
+#endif
+}
+
+// Storage for about `bytes`; a stretch mapped on its own is rounded up to whole huge pages, and
+// `bytes` is then what it holds.
+void* allocateStretch(std::size_t& bytes) noexcept {
+  if (mappedOnItsOwn(bytes)) {
+#if defined(__linux__)
     bytes = (bytes + kHugePage - 1) & ~(kHugePage - 1);
     void* p = mmap(nullptr, bytes + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
                    -1, 0);
@@ -310,21 +319,19 @@ void* allocateStretch(std::size_t& bytes, bool& mapped) noexcept {
     if (begin > at) munmap(p, begin - at);
     if (end > begin + bytes) munmap(reinterpret_cast<void*>(begin + bytes), end - begin - bytes);
     adviseHuge(reinterpret_cast<void*>(begin), bytes);
-    mapped = true;
     return reinterpret_cast<void*>(begin);
-  }
 #endif
+  }
   return std::malloc(bytes);
 }
 
-void freeStretch(void* data, [[maybe_unused]] std::size_t bytes, bool mapped) noexcept {
+void freeStretch(void* data, std::size_t bytes) noexcept {
+  if (mappedOnItsOwn(bytes)) {
 #if defined(__linux__)
-  if (mapped) {
     munmap(data, bytes);
     return;
-  }
 #endif
-  (void)mapped;
+  }
   std::free(data);
 }
 
@@ -343,7 +350,7 @@ BufferWriter::~BufferWriter() {
 
 void BufferWriter::release() noexcept {
   for (const Stretch& s : stretches_) {
-    if (s.data) freeStretch(s.data, s.bytes, s.mapped);
+    if (s.data) freeStretch(s.data, s.bytes);
   }
   stretches_.clear();
   slot_ = nullptr;
@@ -362,11 +369,10 @@ void BufferWriter::addStretch() {
     return 0;
   });
   std::size_t bytes = records * length * sizeof(char16_t);
-  bool mapped = false;
-  auto* data = static_cast<char16_t*>(allocateStretch(bytes, mapped));
+  auto* data = static_cast<char16_t*>(allocateStretch(bytes));
   if (!data) throw Error::runtime(err::kOutOfMemory);
   records = std::max(records, bytes / (length * sizeof(char16_t)));  // all that it holds
-  stretches_.push_back({data, records, bytes, mapped});
+  stretches_.push_back({data, records, bytes});
   slot_ = data;
   slotsLeft_ = records;
 }
@@ -418,7 +424,7 @@ std::u16string BufferWriter::state() {
     const std::size_t n = std::min(records, s.records * static_cast<std::size_t>(recordLength_));
     out.append(s.data, n);
     records -= n;
-    freeStretch(s.data, s.bytes, s.mapped);
+    freeStretch(s.data, s.bytes);
     s.data = nullptr;
   }
   out.resize(length, u' ');

@@ -467,10 +467,6 @@ class DescribedColumns final : public ResultColumns {
   bool blocks_;
 };
 
-}  // namespace
-
-namespace {
-
 // The columns, and whether every one of them can be bound in a block.
 bool describeAll(const Handle& statement, SQLSMALLINT columnCount, std::vector<Column>& columns) {
   bool blocks = true;
