@@ -112,6 +112,18 @@ int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* sql, int n, sqlite3_stmt*
   return rc;
 }
 
+int __real_sqlite3_prepare_v3(sqlite3*, const char*, int, unsigned, sqlite3_stmt**, const char**);
+int __wrap_sqlite3_prepare_v3(sqlite3* db, const char* sql, int n, unsigned flags,
+                              sqlite3_stmt** st, const char** tail) {
+  if (fails("sqlite3_prepare_v3")) {
+    *st = nullptr;
+    return SQLITE_NOMEM;
+  }
+  const int rc = __real_sqlite3_prepare_v3(db, sql, n, flags, st, tail);
+  if (*st) ++gStatements;
+  return rc;
+}
+
 int __real_sqlite3_finalize(sqlite3_stmt*);
 int __wrap_sqlite3_finalize(sqlite3_stmt* st) {
   if (st) --gStatements;

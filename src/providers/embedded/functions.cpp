@@ -227,7 +227,8 @@ void fnScopeIdentity(sqlite3_context* ctx, int, sqlite3_value**) {
 }
 
 void fnAuditTrailId(sqlite3_context* ctx, int, sqlite3_value**) {
-  const auto* session = static_cast<const Session*>(sqlite3_user_data(ctx));
+  const auto* slot = static_cast<const Session* const*>(sqlite3_user_data(ctx));
+  const Session* session = slot ? *slot : nullptr;
   sqlite3_result_int(ctx, session ? session->auditTrailId() : 0);
 }
 
@@ -238,13 +239,7 @@ int collateDates(void*, int n1, const void* a, int n2, const void* b) {
 
 }  // namespace
 
-int bindSession(sqlite3* db, const Session* session) {
-  return sqlite3_create_function_v2(db, "audittrailid", 0, SQLITE_UTF8,
-                                    const_cast<Session*>(session), fnAuditTrailId, nullptr, nullptr,
-                                    nullptr);
-}
-
-int registerFunctions(sqlite3* db, const Session* session) {
+int registerFunctions(sqlite3* db, const Session* const* session) {
   using Fn = void (*)(sqlite3_context*, int, sqlite3_value**);
   struct Def {
     const char* name;
@@ -271,7 +266,11 @@ int registerFunctions(sqlite3* db, const Session* session) {
   }
   int rc = sqlite3_create_function_v2(db, "scope_identity", 0, SQLITE_UTF8, nullptr,
                                       fnScopeIdentity, nullptr, nullptr, nullptr);
-  if (rc == SQLITE_OK) rc = bindSession(db, session);
+  if (rc == SQLITE_OK) {
+    rc = sqlite3_create_function_v2(db, "audittrailid", 0, SQLITE_UTF8,
+                                    const_cast<const Session**>(session), fnAuditTrailId, nullptr,
+                                    nullptr, nullptr);
+  }
   if (rc == SQLITE_OK) {
     rc = sqlite3_create_collation_v2(db, "VDATE", SQLITE_UTF8, nullptr, collateDates, nullptr);
   }

@@ -12,11 +12,10 @@ namespace vrdppo::embedded {
 
 class Session;
 
-// Registers everything the dialect's translations call on db; session gives audittrailid() its
-// value (0 without one). Returns SQLite's result code.
-int registerFunctions(sqlite3* db, const Session* session);
-// Points audittrailid() on db at session (a pooled connection passes between sessions).
-int bindSession(sqlite3* db, const Session* session);
+// Registers everything the dialect's translations call on db; the session that *session names
+// when audittrailid() runs gives it its value (0 without one, or without session). Returns
+// SQLite's result code.
+int registerFunctions(sqlite3* db, const Session* const* session);
 // The date and conversion functions (GETDATE, DATEADD, CONVERT, ...).
 int registerDateFunctions(sqlite3* db);
 

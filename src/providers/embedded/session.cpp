@@ -8,6 +8,7 @@
 #include "providers/embedded/dates.hpp"
 #include "providers/embedded/errors.hpp"
 #include "providers/embedded/rows.hpp"
+#include "providers/embedded/shape.hpp"
 #include "providers/embedded/sqlite_handles.hpp"
 #include "providers/embedded/store_files.hpp"
 #include "providers/embedded/translator.hpp"
@@ -42,11 +43,11 @@ Session::Session(const std::string& path) : path_(path) {
   if (path.empty()) {
     throw openError("The connection string names no Data Source.", SQLITE_CANTOPEN);
   }
-  db_ = acquireConnection(path, this);
+  connection_ = acquireConnection(path, this);
 }
 
 Session::~Session() {
-  releaseConnection(path_, std::move(db_), reusable_);
+  releaseConnection(path_, std::move(connection_), reusable_);
 }
 
 void Session::note(std::string_view sqlite) {
@@ -137,7 +138,14 @@ std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin
 }
 
 std::shared_ptr<Recordset> Session::prepared(std::u16string_view sqlite, RecordSink* sink) {
-  Statement st(db_.get(), sqlite);
+  if (!sink) {
+    if (const auto shape = shapeOf(sqlite)) {
+      Statement st(handle(), connection_->statements, sqliteText(shape->text));
+      shape->bind(st);
+      return fetchAll(st);
+    }
+  }
+  Statement st(handle(), sqlite);
   if (!sink) return fetchAll(st);
   streamInto(st, *sink);
   return nullptr;
@@ -146,7 +154,7 @@ std::shared_ptr<Recordset> Session::prepared(std::u16string_view sqlite, RecordS
 std::shared_ptr<Recordset> Session::run(std::string_view sqlite,
                                         std::initializer_list<Variant> params) {
   note(sqlite);
-  Statement st(db_.get(), sqlite);
+  Statement st(handle(), sqlite);
   if (st.empty()) return std::make_shared<Recordset>();
   int index = 1;
   for (const auto& p : params) st.bind(index++, p);
@@ -155,7 +163,7 @@ std::shared_ptr<Recordset> Session::run(std::string_view sqlite,
 
 void Session::exec(std::string_view sqlite) {
   note(sqlite);
-  embedded::execute(db_.get(), sqlite);
+  embedded::execute(handle(), sqlite);
 }
 
 std::shared_ptr<Recordset> Session::call(const ProcArgs& args) {
@@ -170,12 +178,12 @@ std::shared_ptr<Recordset> Session::call(const ProcArgs& args) {
 }
 
 void Session::transaction(const std::function<void()>& body) {
-  const bool outer = sqlite3_get_autocommit(db_.get()) != 0;
+  const bool outer = sqlite3_get_autocommit(handle()) != 0;
   exec(outer ? "BEGIN IMMEDIATE" : "SAVEPOINT vr_procedure");
   try {
     body();
   } catch (...) {
-    rollbackQuietly(db_.get(),
+    rollbackQuietly(handle(),
                     outer ? "ROLLBACK" : "ROLLBACK TO vr_procedure; RELEASE vr_procedure");
     throw;
   }
@@ -183,15 +191,15 @@ void Session::transaction(const std::function<void()>& body) {
 }
 
 std::int64_t Session::lastInsertId() const noexcept {
-  return sqlite3_last_insert_rowid(db_.get());
+  return sqlite3_last_insert_rowid(handle());
 }
 
 std::int64_t Session::changes() const noexcept {
-  return sqlite3_changes64(db_.get());
+  return sqlite3_changes64(handle());
 }
 
 std::int64_t Session::totalChanges() const noexcept {
-  return sqlite3_total_changes64(db_.get());
+  return sqlite3_total_changes64(handle());
 }
 
 }  // namespace vrdppo::embedded

@@ -11,6 +11,7 @@
 
 #include "call.hpp"
 #include "providers/embedded/sqlite_handles.hpp"
+#include "providers/embedded/store_files.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/row_sink.hpp"
 #include "vrdppo/variant.hpp"
@@ -28,7 +29,7 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  sqlite3* handle() const noexcept { return db_.get(); }
+  sqlite3* handle() const noexcept { return connection_->db.get(); }
 
   // SET QUOTED_IDENTIFIER: on, as on a server, until the connection says otherwise.
   bool quotedIdentifier() const noexcept { return quotedIdentifier_; }
@@ -73,7 +74,7 @@ class Session {
   void note(std::u16string_view firstWord);
 
   std::string path_;
-  ConnectionHandle db_;
+  StoreConnectionPtr connection_;
   bool reusable_ = true;
   bool quotedIdentifier_ = true;
   std::int32_t auditTrailId_ = 0;

@@ -87,7 +87,25 @@ Statement::Statement(sqlite3* db, std::string_view sql, Purpose purpose)
 Statement::Statement(sqlite3* db, std::u16string_view sql, Purpose purpose)
     : Statement(db, std::string_view(sqliteText(sql)), purpose) {}
 
+Statement::Statement(sqlite3* db, StatementCache& cache, std::string sql)
+    : db_(db), st_(cache.take(sql)), purpose_(Purpose::Client), text_(std::move(sql)) {
+  if (!st_) {
+    const int rc = sqlite3_prepare_v3(db, text_.data(), static_cast<int>(text_.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &st_, nullptr);
+    if (rc != SQLITE_OK) fail(rc);
+  }
+  // An empty text prepares to no statement, which there is nothing to keep of.
+  if (st_) cache_ = &cache;
+}
+
 Statement::~Statement() {
+  if (cache_) {
+    // reset repeats the last step's error, which step has already raised.
+    sqlite3_reset(st_);
+    sqlite3_clear_bindings(st_);
+    cache_->give(std::move(text_), st_);
+    return;
+  }
   // finalize repeats the last step's error, which step has already raised.
   sqlite3_finalize(st_);
 }
@@ -144,6 +162,11 @@ void Statement::bindText(int index, std::string_view utf8) {
   if (rc != SQLITE_OK) fail(rc);
 }
 
+void Statement::bindInteger(int index, std::int64_t value) {
+  const int rc = sqlite3_bind_int64(st_, index, value);
+  if (rc != SQLITE_OK) fail(rc);
+}
+
 bool Statement::step() {
   if (!st_) return false;
   const int rc = sqlite3_step(st_);
@@ -159,6 +182,36 @@ void Statement::run() {
 
 void Statement::fail(int rc) const {
   raise(db_, rc, purpose_, text_);
+}
+
+StatementCache::~StatementCache() {
+  for (const auto& k : kept_) sqlite3_finalize(k.st);
+}
+
+sqlite3_stmt* StatementCache::take(std::string_view text) noexcept {
+  for (auto it = kept_.begin(); it != kept_.end(); ++it) {
+    if (it->text == text) {
+      sqlite3_stmt* st = it->st;
+      kept_.erase(it);
+      return st;
+    }
+  }
+  return nullptr;
+}
+
+void StatementCache::give(std::string text, sqlite3_stmt* st) noexcept {
+  // A statement of the same text given back while this one was out (a nested use) is spare.
+  if (sqlite3_stmt* twin = take(text)) sqlite3_finalize(twin);
+  try {
+    kept_.insert(kept_.begin(), Kept{std::move(text), st});
+  } catch (...) {
+    sqlite3_finalize(st);
+    return;
+  }
+  while (kept_.size() > capacity_) {
+    sqlite3_finalize(kept_.back().st);
+    kept_.pop_back();
+  }
 }
 
 void execute(sqlite3* db, std::string_view sql, Purpose purpose) {

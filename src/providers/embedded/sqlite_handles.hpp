@@ -2,9 +2,12 @@
 // each is closed or finalized on every path, and every result code is checked in one place.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vrdppo/variant.hpp"
 
@@ -23,6 +26,32 @@ using ConnectionHandle = std::unique_ptr<sqlite3, CloseConnection>;
 // statement of the store's own set-up fails as a store that cannot be opened, naming the text.
 enum class Purpose { Client, Setup };
 
+// Statements a connection keeps prepared between uses, the most recently used first, so that
+// text it has seen is not parsed and planned again. A statement in use is out of the cache;
+// nothing kept holds a lock or a binding. Finalizes what it keeps when it goes, which must be
+// before its connection closes.
+class StatementCache {
+ public:
+  explicit StatementCache(std::size_t capacity = 16) : capacity_(capacity) {}
+  ~StatementCache();
+  StatementCache(const StatementCache&) = delete;
+  StatementCache& operator=(const StatementCache&) = delete;
+
+  // The statement kept for text, taken out of the cache; nullptr when none is kept.
+  sqlite3_stmt* take(std::string_view text) noexcept;
+  // Keeps a statement that has been reset, dropping the least recently used beyond capacity.
+  void give(std::string text, sqlite3_stmt* st) noexcept;
+  std::size_t size() const noexcept { return kept_.size(); }
+
+ private:
+  struct Kept {
+    std::string text;
+    sqlite3_stmt* st;
+  };
+  std::size_t capacity_;
+  std::vector<Kept> kept_;
+};
+
 // One prepared statement on a connection that outlives it.
 class Statement {
  public:
@@ -30,6 +59,9 @@ class Statement {
   // empty statement, which steps to its end at once.
   Statement(sqlite3* db, std::string_view sql, Purpose purpose = Purpose::Client);
   Statement(sqlite3* db, std::u16string_view sql, Purpose purpose = Purpose::Client);
+  // A client's statement of sql from the cache, or prepared now; it goes back to the cache,
+  // reset, when this goes.
+  Statement(sqlite3* db, StatementCache& cache, std::string sql);
   ~Statement();
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
@@ -42,6 +74,7 @@ class Statement {
   // Binds ? number index (from 1): a Variant as the store keeps its type, or UTF-8 text.
   void bind(int index, const Variant& v);
   void bindText(int index, std::string_view utf8);
+  void bindInteger(int index, std::int64_t value);
 
   // Steps once: true on a row, false at the end.
   bool step();
@@ -55,7 +88,8 @@ class Statement {
   sqlite3* db_;
   sqlite3_stmt* st_ = nullptr;
   Purpose purpose_;
-  std::string text_;  // kept for set-up statements, to name them when they fail
+  std::string text_;  // set-up statements: to name them when they fail; cached: the key
+  StatementCache* cache_ = nullptr;
 };
 
 // A statement's text as SQLite reads it. SQLite stops at the first U+0000 and its UTF-16 reader

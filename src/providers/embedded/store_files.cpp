@@ -21,8 +21,8 @@ namespace {
 
 // What the process keeps on one store file between statements.
 struct StoreFile {
-  ConnectionHandle anchor;             // never used for statements: keeps the WAL index alive
-  std::vector<ConnectionHandle> idle;  // connections a finished statement handed back
+  StoreConnectionPtr anchor;             // never used for statements: keeps the WAL index alive
+  std::vector<StoreConnectionPtr> idle;  // connections a finished statement handed back
 };
 
 struct Files {
@@ -120,24 +120,26 @@ int confineToTheFile(void*, int action, const char* a1, const char* a2, const ch
 
 }  // namespace
 
-ConnectionHandle openConnection(const std::string& path, const Session* session) {
+StoreConnectionPtr openConnection(const std::string& path, const Session* session) {
+  auto connection = std::make_unique<StoreConnection>();
+  connection->session = session;
   sqlite3* raw = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
   int rc = sqlite3_open_v2(path.c_str(), &raw, flags, nullptr);
-  ConnectionHandle db(raw);  // a failed open still hands back a handle to close
+  connection->db.reset(raw);  // a failed open still hands back a handle to close
   if (rc != SQLITE_OK) failOpen(raw, path, rc);
   rc = sqlite3_extended_result_codes(raw, 1);
   if (rc == SQLITE_OK) rc = sqlite3_busy_timeout(raw, kBusyTimeoutMs);
   // A double-quoted name that is no column stays an error, as on a server.
   if (rc == SQLITE_OK) rc = sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   if (rc == SQLITE_OK) rc = sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-  if (rc == SQLITE_OK) rc = registerFunctions(raw, session);
+  if (rc == SQLITE_OK) rc = registerFunctions(raw, &connection->session);
   if (rc == SQLITE_OK)
     rc = sqlite3_exec(raw, "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
   // The connection that prepares the file sets it up; every other one runs statements.
   if (rc == SQLITE_OK && session) rc = sqlite3_set_authorizer(raw, confineToTheFile, nullptr);
   if (rc != SQLITE_OK) failOpen(raw, path, rc);
-  return db;
+  return connection;
 }
 
 void prepareStore(const std::string& path, bool recheck) {
@@ -150,19 +152,20 @@ void prepareStore(const std::string& path, bool recheck) {
       f.byPath.erase(it);
     }
   }
-  ConnectionHandle db = openConnection(path, nullptr);
+  StoreConnectionPtr setup = openConnection(path, nullptr);
+  sqlite3* db = setup->db.get();
   // Switching to WAL needs a moment without other connections' locks; the busy handler waits.
-  const int rc = sqlite3_exec(db.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
-  if (rc != SQLITE_OK) failOpen(db.get(), path, rc);
-  applySchema(db.get(), path);
+  const int rc = sqlite3_exec(db, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
+  if (rc != SQLITE_OK) failOpen(db, path, rc);
+  applySchema(db, path);
   std::lock_guard lock(f.mutex);
   StoreFile& file = f.byPath[path];
-  if (!file.anchor) file.anchor = std::move(db);  // else another thread was first
+  if (!file.anchor) file.anchor = std::move(setup);  // else another thread was first
 }
 
-ConnectionHandle acquireConnection(const std::string& path, const Session* session) {
+StoreConnectionPtr acquireConnection(const std::string& path, const Session* session) {
   prepareStore(path);
-  ConnectionHandle db;
+  StoreConnectionPtr db;
   {
     Files& f = files();
     std::lock_guard lock(f.mutex);
@@ -174,18 +177,19 @@ ConnectionHandle acquireConnection(const std::string& path, const Session* sessi
   }
   if (!db) return openConnection(path, session);
   // What a fresh connection would show: no last insert, this session's audit trail id.
-  sqlite3_set_last_insert_rowid(db.get(), 0);
-  if (bindSession(db.get(), session) != SQLITE_OK) return openConnection(path, session);
+  sqlite3_set_last_insert_rowid(db->db.get(), 0);
+  db->session = session;
   return db;
 }
 
-void releaseConnection(const std::string& path, ConnectionHandle db, bool reusable) {
+void releaseConnection(const std::string& path, StoreConnectionPtr db, bool reusable) {
   if (!db) return;
+  db->session = nullptr;
+  sqlite3* raw = db->db.get();
   // A transaction the statement left open ends with its connection, as on a server; one that
   // will not roll back leaves the connection unfit to be handed on.
-  if (sqlite3_get_autocommit(db.get()) == 0) {
-    reusable =
-        reusable && rollbackQuietly(db.get(), "ROLLBACK") && sqlite3_get_autocommit(db.get()) != 0;
+  if (sqlite3_get_autocommit(raw) == 0) {
+    reusable = reusable && rollbackQuietly(raw, "ROLLBACK") && sqlite3_get_autocommit(raw) != 0;
   }
   if (!reusable) return;
   Files& f = files();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 #include "providers/embedded/sqlite_handles.hpp"
@@ -14,9 +15,20 @@ class Session;
 // How long a statement waits for another connection's write lock before it fails.
 inline constexpr int kBusyTimeoutMs = 30000;
 
-// A connection on path with the busy timeout, the dialect's functions and durable commits.
-// Raises the provider-failure error.
-ConnectionHandle openConnection(const std::string& path, const Session* session);
+// A connection of the store with what stays with it from one session to the next.
+struct StoreConnection {
+  // The session that audittrailid() reads, through this slot, so that handing the connection to
+  // another session redefines no function and so expires none of the statements kept.
+  const Session* session = nullptr;
+  ConnectionHandle db;
+  // Declared last, so that it finalizes its statements before db closes.
+  StatementCache statements;
+};
+using StoreConnectionPtr = std::unique_ptr<StoreConnection>;
+
+// A connection on path with the busy timeout, the dialect's functions and durable commits;
+// without a session, the connection that sets the file up. Raises the provider-failure error.
+StoreConnectionPtr openConnection(const std::string& path, const Session* session);
 
 // Makes the file at path ready: created with the current schema, or brought up to date, in WAL
 // mode. The first call per process per file does the work and keeps one idle connection open on
@@ -31,11 +43,11 @@ void prepareStore(const std::string& path, bool recheck = false);
 inline constexpr std::size_t kIdleConnections = 8;
 
 // A connection on the prepared store at path, bound to session.
-ConnectionHandle acquireConnection(const std::string& path, const Session* session);
+StoreConnectionPtr acquireConnection(const std::string& path, const Session* session);
 // Hands a connection back after its statement: any transaction left open is rolled back; kept
 // for the next statement when reusable (nothing on it outlives the session: no temporary
 // tables, no changed settings), closed otherwise.
-void releaseConnection(const std::string& path, ConnectionHandle db, bool reusable);
+void releaseConnection(const std::string& path, StoreConnectionPtr connection, bool reusable);
 
 // Closes what the process keeps on path and forgets that the file was prepared.
 void forgetStore(const std::string& path);
