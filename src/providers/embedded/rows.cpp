@@ -105,8 +105,11 @@ Variant cellValue(const void* row, std::size_t source, std::uint8_t kind) {
   return cell(stmtOf(row), static_cast<int>(source), static_cast<Kind>(kind));
 }
 
-void storeAny(sqlite3_stmt* st, int i, Kind kind, const Column& c, std::byte* record) {
-  storeField(c, record, cell(st, i, kind));
+// What the readers below leave to the general way: the value cell() gives, stored as
+// storeField stores it.
+void storeAny(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
+              std::byte* record) {
+  storeField(c, record, cellValue(row, source, tag));
 }
 
 // The connection is opened without its mutex, so the column's value may be read through
@@ -127,7 +130,7 @@ void storeLong(const void* row, std::size_t source, std::uint8_t tag, const Colu
       return writeField<Long>(record, c.offset, static_cast<Long>(n));
     }
   }
-  storeAny(stmtOf(row), static_cast<int>(source), kind, c, record);
+  storeAny(row, source, tag, c, record);
 }
 
 void storeDouble(const void* row, std::size_t source, std::uint8_t tag, const Column& c,
@@ -149,7 +152,7 @@ void storeDouble(const void* row, std::size_t source, std::uint8_t tag, const Co
     default:
       break;
   }
-  storeAny(stmtOf(row), static_cast<int>(source), kind, c, record);
+  storeAny(row, source, tag, c, record);
 }
 
 // A date column's text read straight into the Date field; every other value as cell() gives it.
@@ -163,7 +166,7 @@ void storeDate(const void* row, std::size_t source, std::uint8_t tag, const Colu
     const auto bytes = static_cast<std::size_t>(sqlite3_value_bytes(v));
     if (const auto d = storedDate({p, bytes})) return writeField<Date>(record, c.offset, *d);
   }
-  storeAny(stmtOf(row), static_cast<int>(source), static_cast<Kind>(tag), c, record);
+  storeAny(row, source, tag, c, record);
 }
 
 // Text widened straight into the String*N field: its first N bytes, when they are ASCII, are its
@@ -190,7 +193,7 @@ void storeString(const void* row, std::size_t source, std::uint8_t tag, const Co
       return;
     }
   }
-  storeAny(stmtOf(row), static_cast<int>(source), kind, c, record);
+  storeAny(row, source, tag, c, record);
 }
 
 class StatementColumns final : public ResultColumns {

@@ -5,6 +5,7 @@
 #include "providers/embedded/sqlite_handles.hpp"
 #include "providers/embedded/tokenizer.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/recordset.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo::embedded {
@@ -205,6 +206,14 @@ void Shape::bind(Statement& st) const {
 }
 
 std::optional<Shape> shapeOf(std::u16string_view sqlite) {
+  // Only writes have a shape: the first word decides before the text is cut into tokens.
+  const std::size_t first = sqlite.find_first_not_of(u" \t\r\n");
+  if (first == std::u16string_view::npos) return std::nullopt;
+  const std::u16string_view word = sqlite.substr(first, 6);
+  if (!equalsNoCase(word, u"INSERT") && !equalsNoCase(word, u"UPDATE") &&
+      !equalsNoCase(word, u"DELETE")) {
+    return std::nullopt;
+  }
   try {
     const Tokens tokens(sqlite);
     return Shaper(tokens).run();
