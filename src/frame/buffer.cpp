@@ -11,12 +11,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "frame/pages.hpp"
 #include "vrdppo/error.hpp"
-
-#if defined(__linux__)
-#include <sys/mman.h>
-#include <unistd.h>
-#endif
 
 namespace vrdppo {
 
@@ -279,61 +275,6 @@ namespace {
 // each later one twice the last, up to this many characters (2 MiB).
 constexpr std::size_t kStretchChars = std::size_t{1} << 20;
 constexpr std::int64_t kFirstRecords = 256;
-constexpr std::size_t kHugePage = std::size_t{2} << 20;  // bytes
-
-// Large storage is advised as huge pages where the system has them: on a large Load a fault for
-// every 4 KiB page costs more than writing the page. Only whole pages inside the block are
-// advised; the allocator's own words lie outside them.
-void adviseHuge([[maybe_unused]] void* from, [[maybe_unused]] std::size_t bytes) noexcept {
-#if defined(__linux__) && defined(MADV_HUGEPAGE)
-  static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-  const auto begin = (reinterpret_cast<std::uintptr_t>(from) + page - 1) & ~(page - 1);
-  const auto end = (reinterpret_cast<std::uintptr_t>(from) + bytes) & ~(page - 1);
-  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
-#endif
-}
-
-// A large stretch on Linux is mapped on its own, whole huge pages aligned to one, so that all of
-// it can be huge pages and unmapping it gives its memory back at once: the records are never held
-// twice while they are copied out. Elsewhere, and for the small stretches, the allocator serves.
-bool mappedOnItsOwn([[maybe_unused]] std::size_t bytes) noexcept {
-#if defined(__linux__)
-  return bytes >= kHugePage / 2;
-#else
-  return false;
-#endif
-}
-
-// Storage for about `bytes`; a stretch mapped on its own is rounded up to whole huge pages, and
-// `bytes` is then what it holds.
-void* allocateStretch(std::size_t& bytes) noexcept {
-  if (mappedOnItsOwn(bytes)) {
-#if defined(__linux__)
-    bytes = (bytes + kHugePage - 1) & ~(kHugePage - 1);
-    void* p = mmap(nullptr, bytes + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
-                   -1, 0);
-    if (p == MAP_FAILED) return nullptr;
-    const auto at = reinterpret_cast<std::uintptr_t>(p);
-    const auto begin = (at + kHugePage - 1) & ~(kHugePage - 1);
-    const auto end = at + bytes + kHugePage;
-    if (begin > at) munmap(p, begin - at);
-    if (end > begin + bytes) munmap(reinterpret_cast<void*>(begin + bytes), end - begin - bytes);
-    adviseHuge(reinterpret_cast<void*>(begin), bytes);
-    return reinterpret_cast<void*>(begin);
-#endif
-  }
-  return std::malloc(bytes);
-}
-
-void freeStretch(void* data, std::size_t bytes) noexcept {
-  if (mappedOnItsOwn(bytes)) {
-#if defined(__linux__)
-    munmap(data, bytes);
-    return;
-#endif
-  }
-  std::free(data);
-}
 
 }  // namespace
 
@@ -350,7 +291,7 @@ BufferWriter::~BufferWriter() {
 
 void BufferWriter::release() noexcept {
   for (const Stretch& s : stretches_) {
-    if (s.data) freeStretch(s.data, s.bytes);
+    if (s.storage) pages::release(s.storage, s.bytes);
   }
   stretches_.clear();
   slot_ = nullptr;
@@ -360,19 +301,29 @@ void BufferWriter::release() noexcept {
 void BufferWriter::addStretch() {
   const auto length = static_cast<std::size_t>(recordLength_);
   std::size_t records = firstRecords_;
+  std::size_t before = 8;  // where the stretch's first record goes in the state
   if (!stretches_.empty()) {
     records =
         std::max<std::size_t>(1, std::min(stretches_.back().records * 2, kStretchChars / length));
+    for (const Stretch& s : stretches_) before += s.records * length;
   }
   guardMemory([&] {
     stretches_.reserve(stretches_.size() + 1);
     return 0;
   });
   std::size_t bytes = records * length * sizeof(char16_t);
-  auto* data = static_cast<char16_t*>(allocateStretch(bytes));
-  if (!data) throw Error::runtime(err::kOutOfMemory);
-  records = std::max(records, bytes / (length * sizeof(char16_t)));  // all that it holds
-  stretches_.push_back({data, records, bytes});
+  // Mapped storage starts its records where they will lie within a page of the state, so that
+  // the state can take its pages instead of a copy.
+  std::size_t skew = 0;
+  if (pages::mappedOnItsOwn(bytes)) {
+    skew = pages::offsetWithinPage(before * sizeof(char16_t));
+    bytes += skew;
+  }
+  auto* storage = static_cast<std::byte*>(pages::allocate(bytes));
+  if (!storage) throw Error::runtime(err::kOutOfMemory);
+  auto* data = reinterpret_cast<char16_t*>(storage + skew);
+  records = std::max(records, (bytes - skew) / (length * sizeof(char16_t)));  // all that it holds
+  stretches_.push_back({storage, bytes, data, records});
   slot_ = data;
   slotsLeft_ = records;
 }
@@ -409,25 +360,33 @@ std::span<char16_t> BufferWriter::next() {
 
 std::u16string BufferWriter::state() {
   const auto length = static_cast<std::size_t>(std::min<std::int64_t>(nextPosition_, textChars_));
-  std::u16string out;
-  guardMemory([&] {
-    out.reserve(length);
-    return 0;
-  });
-  if (length * sizeof(char16_t) >= 2 * kHugePage) adviseHuge(out.data(), length * sizeof(char16_t));
-  char16_t header[8];
-  writeHeader(header, recordLength_, 0, estimate_, capacity_, count_);
-  out.append(header, std::min<std::size_t>(8, length));
-  // Each stretch is given back once copied.
-  std::size_t records = std::min(static_cast<std::size_t>(nextPosition_ - 9), length - out.size());
-  for (Stretch& s : stretches_) {
-    const std::size_t n = std::min(records, s.records * static_cast<std::size_t>(recordLength_));
-    out.append(s.data, n);
-    records -= n;
-    freeStretch(s.data, s.bytes);
-    s.data = nullptr;
-  }
-  out.resize(length, u' ');
+  const bool receives = pages::receivesPages(length);
+  auto fill = [&](char16_t* out, std::size_t n) {
+    if (!receives && n * sizeof(char16_t) >= 2 * pages::kHugePage) {
+      pages::adviseHuge(out, n * sizeof(char16_t));
+    }
+    char16_t header[8];
+    writeHeader(header, recordLength_, 0, estimate_, capacity_, count_);
+    std::size_t at = std::min<std::size_t>(8, n);
+    std::copy_n(header, at, out);
+    // Each stretch is given back once its records are out.
+    std::size_t records = std::min(static_cast<std::size_t>(nextPosition_ - 9), n - at);
+    for (Stretch& s : stretches_) {
+      const std::size_t chars =
+          std::min(records, s.records * static_cast<std::size_t>(recordLength_));
+      if (receives && pages::mappedOnItsOwn(s.bytes)) {
+        pages::move(out + at, s.data, chars);
+      } else {
+        std::copy_n(s.data, chars, out + at);
+      }
+      at += chars;
+      records -= chars;
+      pages::release(s.storage, s.bytes);
+      s.storage = nullptr;
+    }
+    std::fill(out + at, out + n, u' ');
+  };
+  std::u16string out = guardMemory([&] { return pages::filledString(length, fill); });
   release();
   return out;
 }
