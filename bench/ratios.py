@@ -17,7 +17,7 @@ UNIT = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 HERE = os.path.dirname(os.path.abspath(__file__))
 DEFAULT_BINARY = os.path.join(HERE, "..", "build", "release", "bench", "vrdppo_bench")
 
-# (label, measured, baseline, goal, how the goal reads)
+# (label, measured, baseline, goal[, clock]); the clock is wall time unless it says "cpu"
 RATIOS = [
     ("Load STEMS / raw SQLite loop", "BM_LoadStemsIntoBuffer", "BM_PlainSqliteIntoStructs", 1.2),
     ("Load STEMS / SOCI bulk", "BM_LoadStemsIntoBuffer", "BM_SociStemsIntoStructs", 1.0),
@@ -39,7 +39,11 @@ RATIOS = [
      "BM_PlainOdbcStemsIntoStructs", 1.3),
     ("ODBC (FreeTDS, T-SQL engine) Load / plain block loop", "BM_TsqlLoadStemsIntoBuffer",
      "BM_PlainTsqlStemsIntoStructs", 1.3),
-    ("Commit / prepared INSERT", "BM_CommitInsert", "BM_PreparedInsert", 1.2),
+    # Both sides wait on the same fdatasync a row, so the wall clock moves with the disk; the CPU
+    # time is what the library adds.
+    ("Commit / prepared INSERT, CPU time", "BM_CommitInsert", "BM_PreparedInsert", 1.2, "cpu"),
+    ("(for reference) Commit / prepared INSERT, wall clock", "BM_CommitInsert",
+     "BM_PreparedInsert", None),
 ]
 
 
@@ -56,7 +60,8 @@ def run(binary, repetitions):
             skipped[name] = b.get("error_message", "error")
         elif b.get("aggregate_name") == "median" or (repetitions == 1 and
                                                      b.get("run_type") == "iteration"):
-            medians[name] = b["real_time"] * UNIT[b.get("time_unit", "ns")]
+            unit = UNIT[b.get("time_unit", "ns")]
+            medians[name] = {"real": b["real_time"] * unit, "cpu": b["cpu_time"] * unit}
     return medians, skipped
 
 
@@ -75,13 +80,14 @@ def main():
     medians, skipped = run(args.binary, args.repetitions)
     print("| Ratio | Measured | Goal | Met |")
     print("|---|---|---|---|")
-    for label, measured, baseline, goal in RATIOS:
+    for label, measured, baseline, goal, *clock in RATIOS:
         missing = [n for n in (measured, baseline) if n not in medians]
         if missing:
             why = "; ".join(sorted({skipped.get(n, "not built") for n in missing}))
             print(f"| {label} | {why} | {'-' if goal is None else f'<= {goal}'} | - |")
             continue
-        ratio = medians[measured] / medians[baseline]
+        clock = clock[0] if clock else "real"
+        ratio = medians[measured][clock] / medians[baseline][clock]
         if goal is None:
             print(f"| {label} | {ratio:.2f}x | - | - |")
         else:
