@@ -3,9 +3,14 @@
 namespace vrdppo {
 
 std::string toUtf8(std::u16string_view s) {
-  std::string out;
-  out.reserve(s.size());
-  for (std::size_t i = 0; i < s.size(); ++i) {
+  // Statements and names are nearly always ASCII: a leading run of it is copied as it stands.
+  std::size_t ascii = 0;
+  while (ascii < s.size() && s[ascii] < 0x80) ++ascii;
+  std::string out(ascii, '\0');
+  for (std::size_t i = 0; i < ascii; ++i) out[i] = static_cast<char>(s[i]);
+  if (ascii == s.size()) return out;
+  out.reserve(s.size() + (s.size() - ascii) * 2);
+  for (std::size_t i = ascii; i < s.size(); ++i) {
     char32_t c = s[i];
     if (c >= 0xD800 && c <= 0xDBFF && i + 1 < s.size() && s[i + 1] >= 0xDC00 &&
         s[i + 1] <= 0xDFFF) {

@@ -77,6 +77,45 @@ INSTANTIATE_TEST_SUITE_P(
         Translation{u"UPDATE T SET a = U.b FROM U WHERE U.id = T.id",
                     u"UPDATE T SET a = U.b FROM U WHERE U.id = T.id"}));
 
+// Every UTF-16 unit, placed after a letter and before a space: a word's own character extends
+// the word, a blank ends it, anything else stands apart.
+TEST(Tokens, ClassifyEveryCharacterAsTheDialectDoes) {
+  const auto wordChar = [](char16_t c) {
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') ||
+           c == u'_' || c == u'#' || c == u'$' || c == u'@' || c >= 0x80;
+  };
+  const std::u16string_view blanks = u" \t\r\n\f\v";
+  int mismatches = 0;
+  for (char32_t c = 1; c <= 0xFFFF; ++c) {
+    const char16_t u = static_cast<char16_t>(c);
+    // Characters that open a quote, a comment or an operator pair are covered elsewhere.
+    if (std::u16string_view(u"'\"[-/<>!|").find(u) != std::u16string_view::npos) continue;
+    const std::u16string text{u'a', u, u' '};
+    const Tokens t(text);
+    const bool extends = t[0].end == 2;
+    const bool blank = t[0].end == 1 && t[1].kind == Tok::Space && t[1].end == 3;
+    if (extends != wordChar(u) || blank != (blanks.find(u) != std::u16string_view::npos)) {
+      ++mismatches;
+      ADD_FAILURE() << "U+" << std::hex << static_cast<unsigned>(c);
+      if (mismatches > 5) break;
+    }
+  }
+}
+
+// A quoted token's value: the text inside, each doubled closing character standing for one.
+TEST(Unquote, UndoesEveryDoubledClosingCharacter) {
+  struct Case {
+    std::u16string_view token;
+    std::u16string_view value;
+  } cases[] = {
+      {u"''", u""},        {u"'a'", u"a"},     {u"'it''s'", u"it's"},
+      {u"''''", u"'"},     {u"''''''", u"''"}, {u"'a''''b'", u"a''b"},
+      {u"'''a'", u"'a"},   {u"'a'''", u"a'"},  {u"\"say \"\"hi\"\"\"", u"say \"hi\""},
+      {u"[a]]b]", u"a]b"}, {u"[a[b]", u"a[b"}, {u"'", u""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(unquote(c.token), c.value) << toUtf8(c.token);
+}
+
 TEST(TranslationErrors, RejectWhatTheDialectCannotRead) {
   for (const auto* text : {u"SELECT TOP x * FROM T", u"SELECT TOP 5 PERCENT * FROM T",
                            u"SELECT 'open", u"SELECT \"open", u"SELECT [open", u"/* open",

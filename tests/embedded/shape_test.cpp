@@ -201,7 +201,7 @@ TEST(StatementShape, ALiftedValueWritesWhatItsLiteralWrote) {
       const auto shape = shapeOf(sql);
       if (!shape) continue;  // integers too long to lift
       {
-        Statement st(db.get(), cache, sqliteText(shape->text));
+        Statement st(db.get(), cache, shape->text);
         shape->bind(st);
         st.run();
       }
@@ -221,25 +221,25 @@ TEST(StatementCache, KeepsTheMostRecentlyUsedAndServesANestedUseApart) {
   const ConnectionHandle db(raw);
   execute(db.get(), "CREATE TABLE T (a INTEGER NOT NULL)");
   StatementCache cache(2);
-  const auto insert = [&](const std::string& sql, std::int64_t v) {
+  const auto insert = [&](const std::u16string& sql, std::int64_t v) {
     Statement st(db.get(), cache, sql);
     st.bindInteger(1, v);
     st.run();
   };
-  insert("INSERT INTO T VALUES (?1)", 1);
-  insert("INSERT INTO T VALUES (?1 + 0)", 2);
-  insert("INSERT INTO T VALUES (?1)", 3);  // now the most recent of the two
-  insert("INSERT INTO T VALUES (?1 + 1)", 3);
+  insert(u"INSERT INTO T VALUES (?1)", 1);
+  insert(u"INSERT INTO T VALUES (?1 + 0)", 2);
+  insert(u"INSERT INTO T VALUES (?1)", 3);  // now the most recent of the two
+  insert(u"INSERT INTO T VALUES (?1 + 1)", 3);
   EXPECT_EQ(cache.size(), 2u);
-  sqlite3_stmt* kept = cache.take("INSERT INTO T VALUES (?1)");
+  sqlite3_stmt* kept = cache.take(u"INSERT INTO T VALUES (?1)");
   ASSERT_NE(kept, nullptr);
-  EXPECT_EQ(cache.take("INSERT INTO T VALUES (?1 + 0)"), nullptr);  // dropped as least recent
-  cache.give("INSERT INTO T VALUES (?1)", kept);
+  EXPECT_EQ(cache.take(u"INSERT INTO T VALUES (?1 + 0)"), nullptr);  // dropped as least recent
+  cache.give(u"INSERT INTO T VALUES (?1)", kept);
 
   {
     // Out of the cache while it runs, so a use inside it prepares its own; the spare is dropped.
-    Statement outer(db.get(), cache, "INSERT INTO T VALUES (?1)");
-    insert("INSERT INTO T VALUES (?1)", 5);
+    Statement outer(db.get(), cache, u"INSERT INTO T VALUES (?1)");
+    insert(u"INSERT INTO T VALUES (?1)", 5);
     outer.bindInteger(1, 6);
     outer.run();
   }
@@ -247,11 +247,11 @@ TEST(StatementCache, KeepsTheMostRecentlyUsedAndServesANestedUseApart) {
 
   // A failed step leaves the statement fit for the next use, with nothing of its values bound.
   EXPECT_EQ(errorOf([&] {
-              Statement st(db.get(), cache, "INSERT INTO T VALUES (?1)");
+              Statement st(db.get(), cache, u"INSERT INTO T VALUES (?1)");
               st.run();
             }).nativeError(),
             515);
-  insert("INSERT INTO T VALUES (?1)", 7);
+  insert(u"INSERT INTO T VALUES (?1)", 7);
   Statement sum(db.get(), std::string_view("SELECT group_concat(a) FROM T"));
   ASSERT_TRUE(sum.step());
   EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(sum.get(), 0)), "1,2,3,4,5,6,7");

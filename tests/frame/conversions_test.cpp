@@ -221,3 +221,33 @@ TEST(Coercion, ToStringOfEachType) {
   EXPECT_EQ(toString(Variant(std::int64_t{-5000000000})), u"-5000000000");
   EXPECT_EQ(numberOf([] { toString(Variant::null()); }), err::kInvalidUseOfNull);
 }
+
+// The ASCII run at the front is copied apart from the rest; what follows it must still encode.
+TEST(Utf8, EncodesWhateverFollowsAnAsciiRun) {
+  struct Case {
+    std::u16string in;
+    std::string out;
+  } cases[] = {
+      {u"", ""},
+      {u"SELECT 1", "SELECT 1"},
+      {u"\u00e9", "\xc3\xa9"},
+      {u"caf\u00e9 au lait", "caf\xc3\xa9 au lait"},
+      {u"x\u20ac\u00e9y", "x\xe2\x82\xac\xc3\xa9y"},
+      {u"ab\U0001F600c",
+       "ab\xf0\x9f\x98\x80"
+       "c"},
+      {std::u16string(u"a") + char16_t{0xD800} + u"b",
+       "a\xef\xbf\xbd"
+       "b"},
+      {std::u16string(u"a") + char16_t{0xDC00}, "a\xef\xbf\xbd"},
+      {std::u16string(u"a\0b", 3), std::string("a\0b", 3)},
+      {u"\u007f\u0080", "\x7f\xc2\x80"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(toUtf8(c.in), c.out) << c.out;
+    if (c.in.find_first_of(std::u16string{char16_t{0xD800}, char16_t{0xDC00}}) ==
+        std::u16string::npos) {
+      EXPECT_EQ(fromUtf8(c.out), c.in) << c.out;
+    }
+  }
+}

@@ -139,8 +139,8 @@ std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin
 
 std::shared_ptr<Recordset> Session::prepared(std::u16string_view sqlite, RecordSink* sink) {
   if (!sink) {
-    if (const auto shape = shapeOf(sqlite)) {
-      Statement st(handle(), connection_->statements, sqliteText(shape->text));
+    if (auto shape = shapeOf(sqlite)) {
+      Statement st(handle(), connection_->statements, std::move(shape->text));
       shape->bind(st);
       return fetchAll(st);
     }

@@ -20,6 +20,8 @@ bool isName(const Tokens& t, std::size_t i) {
 class Shaper {
  public:
   explicit Shaper(const Tokens& t) : t_(t) {
+    sig_.reserve(t.size());
+    shape_.text.reserve(t.source().size() + 64);
     for (std::size_t i = 0; i < t.size(); ++i) {
       if (t[i].kind == Tok::Space) continue;
       sig_.push_back(i);
@@ -166,13 +168,12 @@ class Shaper {
     }
     shape_.values.push_back(v);
     shape_.text.append(t_.source().substr(copied_, from - copied_));
-    std::u16string number;
-    for (const char c : std::to_string(shape_.values.size())) number += static_cast<char16_t>(c);
-    if (v.kind == ShapeValue::Kind::Real) {
-      shape_.text += u"CAST(?" + number + u" AS REAL)";
-    } else {
-      shape_.text += u"?" + number;
+    const bool real = v.kind == ShapeValue::Kind::Real;
+    shape_.text += real ? u"CAST(?" : u"?";
+    for (const char c : std::to_string(shape_.values.size())) {
+      shape_.text += static_cast<char16_t>(c);
     }
+    if (real) shape_.text += u" AS REAL)";
     copied_ = tok.end;
     return true;
   }

@@ -87,10 +87,11 @@ Statement::Statement(sqlite3* db, std::string_view sql, Purpose purpose)
 Statement::Statement(sqlite3* db, std::u16string_view sql, Purpose purpose)
     : Statement(db, std::string_view(sqliteText(sql)), purpose) {}
 
-Statement::Statement(sqlite3* db, StatementCache& cache, std::string sql)
-    : db_(db), st_(cache.take(sql)), purpose_(Purpose::Client), text_(std::move(sql)) {
+Statement::Statement(sqlite3* db, StatementCache& cache, std::u16string sql)
+    : db_(db), st_(cache.take(sql)), purpose_(Purpose::Client), key_(std::move(sql)) {
   if (!st_) {
-    const int rc = sqlite3_prepare_v3(db, text_.data(), static_cast<int>(text_.size()),
+    const std::string text = sqliteText(key_);
+    const int rc = sqlite3_prepare_v3(db, text.data(), static_cast<int>(text.size()),
                                       SQLITE_PREPARE_PERSISTENT, &st_, nullptr);
     if (rc != SQLITE_OK) fail(rc);
   }
@@ -103,7 +104,7 @@ Statement::~Statement() {
     // reset repeats the last step's error, which step has already raised.
     sqlite3_reset(st_);
     sqlite3_clear_bindings(st_);
-    cache_->give(std::move(text_), st_);
+    cache_->give(std::move(key_), st_);
     return;
   }
   // finalize repeats the last step's error, which step has already raised.
@@ -188,7 +189,7 @@ StatementCache::~StatementCache() {
   for (const auto& k : kept_) sqlite3_finalize(k.st);
 }
 
-sqlite3_stmt* StatementCache::take(std::string_view text) noexcept {
+sqlite3_stmt* StatementCache::take(std::u16string_view text) noexcept {
   for (auto it = kept_.begin(); it != kept_.end(); ++it) {
     if (it->text == text) {
       sqlite3_stmt* st = it->st;
@@ -199,7 +200,7 @@ sqlite3_stmt* StatementCache::take(std::string_view text) noexcept {
   return nullptr;
 }
 
-void StatementCache::give(std::string text, sqlite3_stmt* st) noexcept {
+void StatementCache::give(std::u16string text, sqlite3_stmt* st) noexcept {
   // A statement of the same text given back while this one was out (a nested use) is spare.
   if (sqlite3_stmt* twin = take(text)) sqlite3_finalize(twin);
   try {

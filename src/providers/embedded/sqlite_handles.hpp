@@ -37,15 +37,16 @@ class StatementCache {
   StatementCache(const StatementCache&) = delete;
   StatementCache& operator=(const StatementCache&) = delete;
 
-  // The statement kept for text, taken out of the cache; nullptr when none is kept.
-  sqlite3_stmt* take(std::string_view text) noexcept;
+  // The statement kept for text, taken out of the cache; nullptr when none is kept. Statements are
+  // known by the dialect's UTF-16 text, so that one found is never converted for SQLite again.
+  sqlite3_stmt* take(std::u16string_view text) noexcept;
   // Keeps a statement that has been reset, dropping the least recently used beyond capacity.
-  void give(std::string text, sqlite3_stmt* st) noexcept;
+  void give(std::u16string text, sqlite3_stmt* st) noexcept;
   std::size_t size() const noexcept { return kept_.size(); }
 
  private:
   struct Kept {
-    std::string text;
+    std::u16string text;
     sqlite3_stmt* st;
   };
   std::size_t capacity_;
@@ -59,9 +60,9 @@ class Statement {
   // empty statement, which steps to its end at once.
   Statement(sqlite3* db, std::string_view sql, Purpose purpose = Purpose::Client);
   Statement(sqlite3* db, std::u16string_view sql, Purpose purpose = Purpose::Client);
-  // A client's statement of sql from the cache, or prepared now; it goes back to the cache,
-  // reset, when this goes.
-  Statement(sqlite3* db, StatementCache& cache, std::string sql);
+  // A client's statement of sql from the cache, or prepared now from sqliteText(sql); it goes
+  // back to the cache, reset, when this goes.
+  Statement(sqlite3* db, StatementCache& cache, std::u16string sql);
   ~Statement();
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
@@ -88,7 +89,8 @@ class Statement {
   sqlite3* db_;
   sqlite3_stmt* st_ = nullptr;
   Purpose purpose_;
-  std::string text_;  // set-up statements: to name them when they fail; cached: the key
+  std::string text_;    // set-up statements: to name them when they fail
+  std::u16string key_;  // cached statements: the text the cache knows them by
   StatementCache* cache_ = nullptr;
 };
 

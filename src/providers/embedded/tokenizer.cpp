@@ -1,5 +1,8 @@
 #include "providers/embedded/tokenizer.hpp"
 
+#include <array>
+#include <cstdint>
+
 #include "providers/embedded/errors.hpp"
 #include "vrdppo/recordset.hpp"
 
@@ -7,13 +10,33 @@ namespace vrdppo::embedded {
 
 namespace {
 
+// What an ASCII character may be in a token, looked up rather than compared range by range:
+// every character of every statement passes through these.
+enum Class : std::uint8_t { kSpace = 1, kWordStart = 2, kWordChar = 4 };
+
+constexpr std::array<std::uint8_t, 128> kClasses = [] {
+  std::array<std::uint8_t, 128> c{};
+  for (const char x : {' ', '\t', '\r', '\n', '\f', '\v'})
+    c[static_cast<unsigned char>(x)] = kSpace;
+  for (int x = '0'; x <= '9'; ++x) c[x] = kWordChar;
+  for (int x = 'a'; x <= 'z'; ++x) c[x] = kWordStart | kWordChar;
+  for (int x = 'A'; x <= 'Z'; ++x) c[x] = kWordStart | kWordChar;
+  c['_'] = c['#'] = kWordStart | kWordChar;
+  c['$'] = c['@'] = kWordChar;
+  return c;
+}();
+
+bool is(char16_t c, std::uint8_t cls) noexcept {
+  // Every character past ASCII may start and continue a word.
+  return c < 0x80 ? (kClasses[c] & cls) != 0 : (cls & (kWordStart | kWordChar)) != 0;
+}
+
 bool isWordStart(char16_t c) noexcept {
-  return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c == u'#' ||
-         c >= 0x80;
+  return is(c, kWordStart);
 }
 
 bool isWordChar(char16_t c) noexcept {
-  return isWordStart(c) || (c >= u'0' && c <= u'9') || c == u'$' || c == u'@';
+  return is(c, kWordChar);
 }
 
 bool isDigit(char16_t c) noexcept {
@@ -21,7 +44,7 @@ bool isDigit(char16_t c) noexcept {
 }
 
 bool isSpace(char16_t c) noexcept {
-  return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == u'\f' || c == u'\v';
+  return c < 0x80 && kClasses[c] == kSpace;
 }
 
 // The end of a quoted run that started at `at` with `close` as its closing character, a doubled
@@ -178,11 +201,18 @@ std::u16string unquote(std::u16string_view token) {
   std::u16string out;
   if (token.size() < 2) return out;
   const char16_t close = token.back();
-  out.reserve(token.size() - 2);
-  for (std::size_t i = 1; i + 1 < token.size(); ++i) {
-    out += token[i];
-    if (token[i] == close && i + 2 < token.size() && token[i + 1] == close) ++i;
+  const std::u16string_view inner = token.substr(1, token.size() - 2);
+  out.reserve(inner.size());
+  // Whole runs up to and including each closing character, whose double is then passed over.
+  std::size_t from = 0;
+  for (;;) {
+    const std::size_t at = inner.find(close, from);
+    if (at == std::u16string_view::npos) break;
+    out.append(inner.substr(from, at + 1 - from));
+    from = at + 1;
+    if (from < inner.size() && inner[from] == close) ++from;
   }
+  out.append(inner.substr(from));
   return out;
 }
 

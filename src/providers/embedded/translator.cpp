@@ -94,8 +94,9 @@ class Translator {
 
   // `dbo` or `[dbo]` directly followed by a dot.
   bool isSchemaPrefix(std::size_t i) const {
-    return (t_[i].kind == Tok::Word || t_[i].kind == Tok::Bracketed) &&
-           equalsNoCase(nameOf(t_, i), u"dbo") && i + 1 < t_.size() && t_.isPunct(i + 1, u'.');
+    // The dot first: most words are not followed by one, and the name is then never unquoted.
+    return (t_[i].kind == Tok::Word || t_[i].kind == Tok::Bracketed) && i + 1 < t_.size() &&
+           t_.isPunct(i + 1, u'.') && equalsNoCase(nameOf(t_, i), u"dbo");
   }
 
   // Text compares without regard to case on a server. Columns say so by their collation; a
@@ -231,11 +232,11 @@ class Translator {
     }
     const std::size_t next = t_.skip(i + 1, end);
     const bool call = next < end && t_.isPunct(next, u'(');
-    const auto upper = upperAscii(text);
     if (!call) {
       out_ += text;
       return i;
     }
+    const auto upper = upperAscii(text);
     if (upper == u"ISNULL") {
       out_ += u"ifnull";
     } else if (upper == u"LEFT") {
