@@ -4,13 +4,12 @@ namespace vrdppo {
 
 std::string toUtf8(std::u16string_view s) {
   // Statements and names are nearly always ASCII: a leading run of it is copied as it stands.
-  std::size_t ascii = 0;
-  while (ascii < s.size() && s[ascii] < 0x80) ++ascii;
-  std::string out(ascii, '\0');
-  for (std::size_t i = 0; i < ascii; ++i) out[i] = static_cast<char>(s[i]);
-  if (ascii == s.size()) return out;
-  out.reserve(s.size() + (s.size() - ascii) * 2);
-  for (std::size_t i = ascii; i < s.size(); ++i) {
+  std::size_t plain = 0;
+  while (plain < s.size() && s[plain] < 0x80) ++plain;
+  std::string out(s.begin(), s.begin() + static_cast<std::ptrdiff_t>(plain));
+  if (plain == s.size()) return out;
+  out.reserve(s.size() + (s.size() - plain) * 2);
+  for (std::size_t i = plain; i < s.size(); ++i) {
     char32_t c = s[i];
     if (c >= 0xD800 && c <= 0xDBFF && i + 1 < s.size() && s[i + 1] >= 0xDC00 &&
         s[i + 1] <= 0xDFFF) {

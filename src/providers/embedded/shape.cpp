@@ -170,9 +170,7 @@ class Shaper {
     shape_.text.append(t_.source().substr(copied_, from - copied_));
     const bool real = v.kind == ShapeValue::Kind::Real;
     shape_.text += real ? u"CAST(?" : u"?";
-    for (const char c : std::to_string(shape_.values.size())) {
-      shape_.text += static_cast<char16_t>(c);
-    }
+    shape_.text += ascii(std::to_string(shape_.values.size()));
     if (real) shape_.text += u" AS REAL)";
     copied_ = tok.end;
     return true;

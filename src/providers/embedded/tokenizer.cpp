@@ -44,7 +44,7 @@ bool isDigit(char16_t c) noexcept {
 }
 
 bool isSpace(char16_t c) noexcept {
-  return c < 0x80 && kClasses[c] == kSpace;
+  return is(c, kSpace);
 }
 
 // The end of a quoted run that started at `at` with `close` as its closing character, a doubled
