@@ -129,11 +129,7 @@ TEST_F(SchemaTest, KeysAreIdentitiesThatAreNeverReused) {
 
 TEST_F(SchemaTest, AnOlderFileIsBroughtUpToDateOncePerProcess) {
   insert(u"INSERT INTO STEMS (TotalNetWeight) VALUES (4.5)");
-  {
-    Client c(path_, false);
-    c.run(u"ALTER TABLE STEMS DROP COLUMN ContainerEnd");
-    c.run(u"DROP VIEW VRUNPICKINGTYPES");
-  }
+  direct("ALTER TABLE STEMS DROP COLUMN ContainerEnd; DROP VIEW VRUNPICKINGTYPES");
   {
     // The stamp of an older file, which no statement through the store may change.
     sqlite3* db = nullptr;

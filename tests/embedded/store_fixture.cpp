@@ -1,5 +1,6 @@
 #include "store_fixture.hpp"
 
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -106,6 +107,17 @@ std::int32_t StoreTest::insert(std::u16string_view insertStatement) {
   }
   const auto rs = sql(u"EXEC sp_InsertStatement @p_Stmt = \"" + quoted + u"\"");
   return toLong(rs->Fields(u"Identity"));
+}
+
+void StoreTest::direct(std::string_view sqlite) {
+  scalar(u"SELECT 1");  // the file made and its schema set up first
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(path_.c_str(), &db), SQLITE_OK);
+  char* message = nullptr;
+  const int rc = sqlite3_exec(db, std::string(sqlite).c_str(), nullptr, nullptr, &message);
+  EXPECT_EQ(rc, SQLITE_OK) << (message ? message : "") << " in: " << sqlite;
+  sqlite3_free(message);
+  sqlite3_close(db);
 }
 
 }  // namespace vrdppo::embedded::testing

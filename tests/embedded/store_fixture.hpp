@@ -54,6 +54,9 @@ class StoreTest : public ::testing::Test {
   }
   Variant scalar(std::u16string_view text) { return Client(path_).scalar(text); }
   std::int32_t count(std::u16string_view from);
+  // SQLite text run on the file directly, past the store's sessions, as its own set-up runs:
+  // the way a test changes the schema, which no statement through the store may.
+  void direct(std::string_view sqlite);
   // Inserts through sp_InsertStatement and returns the Identity answered.
   std::int32_t insert(std::u16string_view insertStatement);
 

@@ -12,10 +12,10 @@ namespace {
 using TypeTest = StoreTest;
 
 TEST_F(TypeTest, ColumnsReadBackTypedByTheirDeclaredType) {
+  direct(
+      "CREATE TABLE T_ALL (i INT, b BIGINT, f FLOAT, r REAL, m MONEY, d DECIMAL(10,2), "
+      "dt DATETIME, s VARCHAR(10), bt BIT, n INT)");
   Client c(path_);
-  c.run(
-      u"CREATE TABLE T_ALL (i INT, b BIGINT, f FLOAT, r REAL, m MONEY, d DECIMAL(10,2), "
-      u"dt DATETIME, s VARCHAR(10), bt BIT, n INT)");
   c.run(
       u"INSERT INTO T_ALL VALUES (1, 5000000000, 2.5, 0.25, 12.3456, 1.5, '2019/03/07 14:05:09', "
       u"'abc', 1, NULL)");

@@ -104,7 +104,9 @@ Error sqliteError(sqlite3* db, int rc) {
   const int extended = db ? sqlite3_extended_errcode(db) : rc;
   const Class c = classify(extended, message);
   if (c.nativeError == native::kPermissionDenied) {
-    message = "Permission denied: a statement may not reach outside the store's file.";
+    message =
+        "Permission denied: a statement may neither reach outside the store's file nor change "
+        "its schema.";
   } else if (c.nativeError == native::kTruncated) {
     message = "String or binary data would be truncated.";
   }

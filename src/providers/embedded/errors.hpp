@@ -30,6 +30,10 @@ inline constexpr std::int32_t kPermissionDenied = 229;
 inline constexpr std::int32_t kNestedTooDeeply = 191;
 inline constexpr std::int32_t kTopNotInteger = 1060;
 inline constexpr std::int32_t kTruncated = 8152;
+inline constexpr std::int32_t kNonBoolean = 4145;
+inline constexpr std::int32_t kCreateDenied = 262;
+inline constexpr std::int32_t kDropDenied = 3701;
+inline constexpr std::int32_t kAlterDenied = 1088;
 }  // namespace native
 
 // The name of the check that refuses a text longer than its column.

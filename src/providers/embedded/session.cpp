@@ -37,6 +37,45 @@ bool isStatementWord(std::u16string_view word) {
   return false;
 }
 
+// A login that runs the business tier holds no right to change the schema, and the store acts as
+// one: CREATE, ALTER and DROP answer as a server answers such a login. The store's own set-up
+// runs on a connection of its own, past this.
+Error schemaChangeRefused(const Tokens& t, std::size_t verb, std::size_t end,
+                          const std::string& path) {
+  std::size_t i = t.skip(verb + 1, end);
+  while (i < end && (t.isWord(i, u"UNIQUE") || t.isWord(i, u"CLUSTERED") ||
+                     t.isWord(i, u"NONCLUSTERED") || t.isWord(i, u"OR") || t.isWord(i, u"ALTER") ||
+                     t.isWord(i, u"TEMP") || t.isWord(i, u"TEMPORARY"))) {
+    i = t.skip(i + 1, end);
+  }
+  std::string kind = i < end && t[i].kind == Tok::Word ? toUtf8(upperAscii(t.text(i))) : "";
+  if (kind == "PROC") kind = "PROCEDURE";
+  std::size_t n = t.skip(i + 1, end);
+  if (t.isWord(n, u"IF")) n = t.skip(t.skip(n + 1, end) + 1, end);  // IF EXISTS
+  while (n + 2 < end && t.isPunct(n + 1, u'.')) n += 2;             // dbo.NAME
+  const std::string name = n < end && t[n].kind != Tok::Punct ? toUtf8(nameOf(t, n)) : "";
+  if (t.isWord(verb, u"CREATE")) {
+    const std::string stem = path.substr(path.find_last_of("/\\") + 1);
+    return storeError(err::kCommandError,
+                      (kind.empty() ? "CREATE" : "CREATE " + kind) +
+                          " permission denied in database '" + stem.substr(0, stem.rfind('.')) +
+                          "'.",
+                      "42000", native::kCreateDenied);
+  }
+  if (t.isWord(verb, u"DROP")) {
+    std::string lower = kind;
+    for (auto& c : lower) c = static_cast<char>(c | 0x20);
+    return storeError(err::kCommandError,
+                      "Cannot drop the " + lower + " '" + name +
+                          "', because it does not exist or you do not have permission.",
+                      "42000", native::kDropDenied);
+  }
+  return storeError(err::kCommandError,
+                    "Cannot find the object \"" + name +
+                        "\" because it does not exist or you do not have permissions.",
+                    "42000", native::kAlterDenied);
+}
+
 }  // namespace
 
 Session::Session(const std::string& path) : path_(path) {
@@ -126,6 +165,10 @@ std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin
       const std::size_t table = t.skip(i + 1, end);
       if (!t.isWord(table, u"TABLE")) throw syntaxErrorNear(word);
       return prepared(u"DELETE FROM " + translate(t, table + 1, end, quotedIdentifier_), sink);
+    }
+    if (equalsNoCase(word, u"CREATE") || equalsNoCase(word, u"ALTER") ||
+        equalsNoCase(word, u"DROP")) {
+      throw schemaChangeRefused(t, i, end, path_);
     }
     if (isStatementWord(word)) {
       note(word);

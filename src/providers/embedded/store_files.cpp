@@ -78,8 +78,8 @@ void applySchema(sqlite3* db, const std::string& path) {
   }
 }
 
-// Statements of a connection may do anything inside its database, as on a server, and nothing
-// outside it: no other file attached (VACUUM INTO attaches its target too), no extension loaded,
+// Statements of a connection may read and write the rows of its database, as on a server, and
+// reach nothing outside it: no other file attached (VACUUM INTO attaches its target too), no extension loaded,
 // no setting of the file changed. The pragmas left are those that only read.
 int confineToTheFile(void*, int action, const char* a1, const char* a2, const char*, const char*) {
   const std::string_view arg1 = a1 ? a1 : "";
@@ -88,6 +88,27 @@ int confineToTheFile(void*, int action, const char* a1, const char* a2, const ch
       // A plain VACUUM attaches a nameless temporary database of its own.
       return arg1.empty() ? SQLITE_OK : SQLITE_DENY;
     case SQLITE_DETACH:
+    // Nor is the schema changed: the statements arrive with the session's rights, and the
+    // session refuses these before they get here.
+    case SQLITE_CREATE_INDEX:
+    case SQLITE_CREATE_TABLE:
+    case SQLITE_CREATE_TEMP_INDEX:
+    case SQLITE_CREATE_TEMP_TABLE:
+    case SQLITE_CREATE_TEMP_TRIGGER:
+    case SQLITE_CREATE_TEMP_VIEW:
+    case SQLITE_CREATE_TRIGGER:
+    case SQLITE_CREATE_VIEW:
+    case SQLITE_CREATE_VTABLE:
+    case SQLITE_DROP_INDEX:
+    case SQLITE_DROP_TABLE:
+    case SQLITE_DROP_TEMP_INDEX:
+    case SQLITE_DROP_TEMP_TABLE:
+    case SQLITE_DROP_TEMP_TRIGGER:
+    case SQLITE_DROP_TEMP_VIEW:
+    case SQLITE_DROP_TRIGGER:
+    case SQLITE_DROP_VIEW:
+    case SQLITE_DROP_VTABLE:
+    case SQLITE_ALTER_TABLE:
       return SQLITE_DENY;
     case SQLITE_FUNCTION: {
       const std::string_view fn = a2 ? a2 : "";

@@ -4,6 +4,7 @@
 #include <array>
 #include <vector>
 
+#include "providers/embedded/condition.hpp"
 #include "providers/embedded/dates.hpp"
 #include "providers/embedded/errors.hpp"
 #include "providers/embedded/query.hpp"
@@ -555,6 +556,7 @@ class Translator {
 
 std::u16string translate(const Tokens& tokens, std::size_t begin, std::size_t end,
                          bool quotedIdentifier) {
+  checkConditions(tokens, begin, end);
   return Translator(tokens, quotedIdentifier).run(begin, end);
 }
 
