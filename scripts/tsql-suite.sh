@@ -12,7 +12,9 @@ if [ -z "${VRDPPO_TSQL_CONNECT:-}" ]; then
     exit 1
   fi
   VRDPPO_TSQL_CONNECT=$("$engine" | tail -1)
-  export VRDPPO_TSQL_CONNECT
+  # The pool's test restarts the engine under its kept connections.
+  VRDPPO_TSQL_ENGINE=$(realpath "$engine")
+  export VRDPPO_TSQL_CONNECT VRDPPO_TSQL_ENGINE
 fi
 echo "T-SQL suite against: $(sed 's/PWD=[^;]*/PWD=.../I' <<<"$VRDPPO_TSQL_CONNECT")"
 ctest --preset "$preset" -L tsql --output-on-failure

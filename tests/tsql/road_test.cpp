@@ -19,6 +19,7 @@
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/odbc_pool.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/registry.hpp"
 #include "vrdppo/render.hpp"
@@ -36,30 +37,6 @@ std::string upper(std::string s) {
 }
 
 // The connection string with its DATABASE key set to `database`.
-std::u16string withDatabase(std::u16string connect, const std::u16string& database) {
-  std::u16string out;
-  std::size_t start = 0;
-  while (start <= connect.size()) {
-    auto end = connect.find(u';', start);
-    if (end == std::u16string::npos) end = connect.size();
-    const std::u16string part = connect.substr(start, end - start);
-    const auto eq = part.find(u'=');
-    const bool isDatabase =
-        eq != std::u16string::npos && equalsNoCase(part.substr(0, eq), u"DATABASE");
-    if (!part.empty() && !isDatabase) out += part + u";";
-    start = end + 1;
-  }
-  return out + u"DATABASE=" + database;
-}
-
-void runScript(const std::u16string& connect, const std::string& script) {
-  Connection c;
-  c.Open(connect);
-  c.Execute(u"SET QUOTED_IDENTIFIER ON");
-  for (const auto& batch : tsql::batches(script)) c.Execute(fromUtf8(batch));
-  c.Close();
-}
-
 // What a step answered: its value, or the number of the error it raised.
 struct Outcome {
   std::optional<Variant> value;
@@ -144,9 +121,9 @@ class Road : public ::testing::Test {
       c.Open(admin_);
       c.Execute(u"CREATE DATABASE " + database_);
     }
-    server_ = withDatabase(admin_, database_);
-    runScript(server_, tsql::readSqlFile("schema.sql"));
-    runScript(server_, tsql::readSqlFile("procedures.sql"));
+    server_ = tsql::withDatabase(admin_, database_);
+    tsql::runScript(server_, tsql::readSqlFile("schema.sql"));
+    tsql::runScript(server_, tsql::readSqlFile("procedures.sql"));
 
     const char* tmp = std::getenv("VRDPPO_TEST_TMP");
     const std::filesystem::path dir = tmp ? tmp : std::filesystem::temp_directory_path().string();
@@ -159,6 +136,8 @@ class Road : public ::testing::Test {
   static void TearDownTestSuite() {
     if (admin_.empty()) return;
     try {
+      // A kept session holds the database in use, and the server refuses to drop it.
+      odbc::releaseIdleConnections();
       Connection c;
       c.Open(admin_);
       c.Execute(u"DROP DATABASE " + database_);

@@ -4,6 +4,10 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "vrdppo/provider.hpp"
+#include "vrdppo/recordset.hpp"
+#include "vrdppo/text.hpp"
+
 namespace vrdppo::tsql {
 
 namespace {
@@ -92,6 +96,30 @@ std::string readSqlFile(const std::string& name) {
   std::ostringstream s;
   s << in.rdbuf();
   return s.str();
+}
+
+std::u16string withDatabase(std::u16string connect, const std::u16string& database) {
+  std::u16string out;
+  std::size_t start = 0;
+  while (start <= connect.size()) {
+    auto end = connect.find(u';', start);
+    if (end == std::u16string::npos) end = connect.size();
+    const std::u16string part = connect.substr(start, end - start);
+    const auto eq = part.find(u'=');
+    const bool isDatabase =
+        eq != std::u16string::npos && equalsNoCase(part.substr(0, eq), u"DATABASE");
+    if (!part.empty() && !isDatabase) out += part + u";";
+    start = end + 1;
+  }
+  return out + u"DATABASE=" + database;
+}
+
+void runScript(const std::u16string& connect, const std::string& script) {
+  Connection c;
+  c.Open(connect);
+  c.Execute(u"SET QUOTED_IDENTIFIER ON");
+  for (const auto& batch : tsql::batches(script)) c.Execute(fromUtf8(batch));
+  c.Close();
 }
 
 }  // namespace vrdppo::tsql

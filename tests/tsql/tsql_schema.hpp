@@ -19,4 +19,10 @@ std::vector<std::string> batches(const std::string& script);
 // The committed scripts in sql/sqlserver/.
 std::string readSqlFile(const std::string& name);
 
+// The connection string with its DATABASE key set to database.
+std::u16string withDatabase(std::u16string connect, const std::u16string& database);
+
+// Runs a script's batches on one connection, quoted identifiers on.
+void runScript(const std::u16string& connect, const std::string& script);
+
 }  // namespace vrdppo::tsql

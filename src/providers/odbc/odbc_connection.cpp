@@ -3,6 +3,8 @@
 
 #include "providers/odbc/odbc_fetch.hpp"
 #include "providers/odbc/odbc_handles.hpp"
+#include "providers/odbc/odbc_pool.hpp"
+#include "providers/odbc/odbc_session_effects.hpp"
 #include "providers/odbc/odbc_provider.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/provider.hpp"
@@ -41,6 +43,68 @@ std::u16string withCredentials(const std::u16string& connect, const std::u16stri
   return out;
 }
 
+// The key of the connection string that keeps a connection out of the pool ("Pooling=No"), as
+// the platform's client libraries spell it; it never reaches the driver.
+constexpr std::u16string_view kPoolingKey = u"Pooling";
+
+// The connection string without the key, whatever its case or place.
+std::u16string withoutKey(std::u16string_view connect, std::u16string_view key) {
+  std::u16string out;
+  std::size_t i = 0;
+  while (i < connect.size()) {
+    // A value in braces may hold ";": the pair ends at the first ";" after its closing brace.
+    std::size_t end = i;
+    bool braced = false;
+    while (end < connect.size() && connect[end] != u';') {
+      if (connect[end] == u'{') braced = true;
+      if (braced && connect[end] == u'}') {
+        if (end + 1 < connect.size() && connect[end + 1] == u'}') {
+          ++end;
+        } else {
+          braced = false;
+        }
+      }
+      ++end;
+    }
+    const std::u16string_view pair = connect.substr(i, end - i);
+    const std::u16string_view name = trimBlanks(pair.substr(0, pair.find(u'=')));
+    if (!equalsNoCase(name, key)) {
+      if (!out.empty()) out += u';';
+      out += pair;
+    }
+    i = end + 1;
+  }
+  return out;
+}
+
+bool poolingRefused(std::u16string_view connect) {
+  const auto value = connectionValue(connect, kPoolingKey);
+  return equalsNoCase(value, u"No") || equalsNoCase(value, u"False") || value == u"0" ||
+         equalsNoCase(value, u"Off");
+}
+
+// A failure of the link to the server rather than of the statement: after it the session is
+// gone. Some drivers say so only in the connection's state (FreeTDS on a session whose server
+// restarted: HY000, "Unknown error").
+bool isLinkFailure(const Error& e, const Handle& dbc) {
+  if (e.sqlState().starts_with("08") || isLinkNative(e.nativeError())) return true;
+  SQLUINTEGER dead = SQL_CD_FALSE;
+  return SQL_SUCCEEDED(SQLGetConnectAttrW(dbc.get(), SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr)) &&
+         dead == SQL_CD_TRUE;
+}
+
+// The error of a lost link in the class a server's client gives it, the driver's text and
+// native number kept.
+Error asLinkFailure(const Error& e) {
+  if (e.sqlState().starts_with("08")) return e;
+  return Error(err::kProviderFailure, e.description(), e.source(), "08S01", e.nativeError());
+}
+
+// The audit trail id this thread's last connection left in its session: the pool hands the next
+// one a session that holds the same, so that a thread that always sets one (or never) finds its
+// sessions as it left them and nothing needs undoing.
+thread_local std::int32_t tlsAuditTrailId = 0;
+
 class OdbcConnection final : public ProviderConnection {
  public:
   OdbcConnection() = default;
@@ -57,19 +121,14 @@ class OdbcConnection final : public ProviderConnection {
   // The options (asynchronous opening) have no meaning here.
   void open(const std::u16string& connect, const std::u16string& user,
             const std::u16string& password, int /*options*/) override {
-    if (connected_) throw Error::runtime(err::kInvalidCall);
-    Handle env(SQL_HANDLE_ENV, SQL_NULL_HANDLE);
-    check(SQLSetEnvAttr(env.get(), SQL_ATTR_ODBC_VERSION,
-                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0),
-          env, "SQLSetEnvAttr");
-    Handle dbc(SQL_HANDLE_DBC, env.get());
-    auto text = wide(withCredentials(connect, user, password));
-    check(SQLDriverConnectW(dbc.get(), nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
-                            SQL_DRIVER_NOPROMPT),
-          dbc, "SQLDriverConnectW");
-    env_ = std::move(env);
-    dbc_ = std::move(dbc);
-    connected_ = true;
+    if (physical_) throw Error::runtime(err::kInvalidCall);
+    pooled_ = pool::enabled() && !poolingRefused(connect);
+    key_ = withCredentials(withoutKey(connect, kPoolingKey), user, password);
+    dirty_ = {};
+    if (pooled_) physical_ = pool::take(key_, tlsAuditTrailId);
+    reused_ = physical_ != nullptr;
+    if (!physical_) physical_ = login();
+    auditPending_ = physical_->auditTrailId != 0;
   }
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int /*options*/) override {
@@ -89,18 +148,112 @@ class OdbcConnection final : public ProviderConnection {
   std::int64_t recordsAffected() const noexcept override { return affected_; }
 
   void close() override {
-    if (!connected_) throw Error::runtime(err::kObjectClosed);
-    check(SQLDisconnect(dbc_.get()), dbc_, "SQLDisconnect");
-    connected_ = false;
-    dbc_.reset();
-    env_.reset();
+    if (!physical_) throw Error::runtime(err::kObjectClosed);
+    PhysicalPtr physical = std::move(physical_);
+    if (keep(*physical)) {
+      pool::give(key_, std::move(physical));
+      return;
+    }
+    check(SQLDisconnect(physical->dbc.get()), physical->dbc, "SQLDisconnect");
+    physical->dbc.reset();
   }
 
  private:
+  // What the statements on this hand-out may have left in the session.
+  struct Dirty {
+    bool lasting = false;      // closed rather than kept
+    bool transaction = false;  // rolled back before it is kept
+    bool dead = false;         // the link failed
+  };
+
+  PhysicalPtr login() const {
+    auto physical = std::make_unique<PhysicalConnection>();
+    Handle env(SQL_HANDLE_ENV, SQL_NULL_HANDLE);
+    check(SQLSetEnvAttr(env.get(), SQL_ATTR_ODBC_VERSION,
+                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0),
+          env, "SQLSetEnvAttr");
+    Handle dbc(SQL_HANDLE_DBC, env.get());
+    auto text = wide(key_);
+    check(SQLDriverConnectW(dbc.get(), nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
+                            SQL_DRIVER_NOPROMPT),
+          dbc, "SQLDriverConnectW");
+    physical->env = std::move(env);
+    physical->dbc = std::move(dbc);
+    physical->tsql = speaksTsql(physical->dbc);
+    return physical;
+  }
+
+  // The driver's name for the server, known since the login: only a server that speaks T-SQL
+  // has sessions the pool knows how to clean.
+  static bool speaksTsql(const Handle& dbc) {
+    SQLWCHAR name[64] = {};
+    SQLSMALLINT length = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfoW(dbc.get(), SQL_DBMS_NAME, name, sizeof name, &length))) {
+      return false;
+    }
+    const auto text = fromWide(name, fitted(length / 2, 63));
+    return text.find(u"SQL Server") != std::u16string::npos;
+  }
+
+  // Whether the session goes back to the pool; a transaction left open is rolled back first.
+  bool keep(PhysicalConnection& physical) noexcept {
+    if (!pooled_ || !physical.tsql || dirty_.lasting || dirty_.dead) return false;
+    if (dirty_.transaction) {
+      try {
+        direct(physical, u"IF @@TRANCOUNT > 0 ROLLBACK");
+      } catch (const Error&) {
+        return false;
+      }
+    }
+    tlsAuditTrailId = physical.auditTrailId;
+    return true;
+  }
+
+  // Runs a statement of the pool's own on the session, dropping what it yields.
+  static void direct(PhysicalConnection& physical, std::u16string_view sql) {
+    Handle stmt(SQL_HANDLE_STMT, physical.dbc.get());
+    auto text = wide(sql);
+    const SQLRETURN rc =
+        SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
+    if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
+  }
+
+  // A session taken from the pool answers its first statement, or it is replaced by a fresh one
+  // before anything of substance is sent: the gateway's own SET is that first statement, and
+  // goes again on the new session (sending a setting twice changes nothing); any other first
+  // statement is preceded by the setting a new session starts with, which is the test. True when
+  // the statement itself has run.
+  bool firstOnReused(const std::u16string& sql) {
+    reused_ = false;
+    if (!physical_->tsql) return false;
+    const bool gatewaySet = equalsNoCase(trimBlanks(sql), kGatewaySet);
+    try {
+      direct(*physical_, gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON");
+      return gatewaySet;
+    } catch (const Error& e) {
+      if (!isLinkFailure(e, physical_->dbc)) throw;
+    }
+    pool::purge(key_);
+    physical_.reset();
+    physical_ = login();
+    auditPending_ = false;
+    return false;
+  }
+
+  // Undoes what a former caller's audit trail id left in the session unless this caller's
+  // statements set their own at once.
+  void settleAuditTrail(const std::u16string& sql) {
+    if (equalsNoCase(trimBlanks(sql), kGatewaySet)) return;  // the id, if any, comes next
+    auditPending_ = false;
+    if (gatewayAuditTrailId(sql)) return;
+    direct(*physical_, u"exec ZZ_SetAuditTrailID NULL");
+    physical_->auditTrailId = 0;
+  }
+
   // Runs the text and hands its statement, with the first result's column count, to read.
   template <class Read>
   void run(const std::u16string& sql, Read read) {
-    if (!connected_) throw Error::runtime(err::kObjectClosed);
+    if (!physical_) throw Error::runtime(err::kObjectClosed);
     affected_ = -1;
     // The provider refuses an empty command itself, as the embedded store does, rather than
     // hand the driver manager a length it rejects.
@@ -108,18 +261,39 @@ class OdbcConnection final : public ProviderConnection {
       throw Error(err::kNoCommandText, "Command text was not set for the command object.",
                   kErrorSource, "HY000");
     }
-    Handle stmt(SQL_HANDLE_STMT, dbc_.get());
-    if (timeout_ >= 0) applyTimeout(stmt);
-    auto text = wide(sql);
-    const SQLRETURN rc =
-        SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
-    // SQL_NO_DATA: a searched update or delete that touched no row.
-    if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
-    affected_ = rc == SQL_NO_DATA ? 0 : rowCount(stmt);
-    SQLSMALLINT columns = 0;
-    check(SQLNumResultCols(stmt.get(), &columns), stmt, "SQLNumResultCols");
-    // Only the first result counts: a row count first means no rows, whatever follows.
-    read(stmt, columns);
+    if (reused_ && firstOnReused(sql)) {
+      read(Handle(), SQLSMALLINT{0});  // a SET yields nothing
+      return;
+    }
+    if (auditPending_) settleAuditTrail(sql);
+    if (physical_->tsql) {
+      const SessionEffects effects = sessionEffects(sql);
+      dirty_.lasting = dirty_.lasting || effects.lasting;
+      dirty_.transaction = dirty_.transaction || effects.transaction;
+      if (effects.auditTrailId) physical_->auditTrailId = *effects.auditTrailId;
+    }
+    try {
+      Handle stmt(SQL_HANDLE_STMT, physical_->dbc.get());
+      if (timeout_ >= 0) applyTimeout(stmt);
+      auto text = wide(sql);
+      const SQLRETURN rc =
+          SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
+      // SQL_NO_DATA: a searched update or delete that touched no row.
+      if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
+      affected_ = rc == SQL_NO_DATA ? 0 : rowCount(stmt);
+      SQLSMALLINT columns = 0;
+      check(SQLNumResultCols(stmt.get(), &columns), stmt, "SQLNumResultCols");
+      // Only the first result counts: a row count first means no rows, whatever follows.
+      read(stmt, columns);
+    } catch (const Error& e) {
+      // A failed batch may leave a transaction open; a lost link leaves no session at all, and
+      // most likely none behind the other idle connections to the same server.
+      dirty_.transaction = true;
+      if (!isLinkFailure(e, physical_->dbc)) throw;
+      dirty_.dead = true;
+      if (pooled_) pool::purge(key_);
+      throw asLinkFailure(e);
+    }
   }
 
   void applyTimeout(const Handle& stmt) const {
@@ -139,16 +313,20 @@ class OdbcConnection final : public ProviderConnection {
     return rows;
   }
 
+  // A connection given up without Close (an error passed through its owner): its session goes
+  // back to the pool when it can, after a failed statement's transaction is rolled back.
   void release() noexcept {
-    if (connected_) SQLDisconnect(dbc_.get());
-    connected_ = false;
-    dbc_.reset();
-    env_.reset();
+    if (!physical_) return;
+    PhysicalPtr physical = std::move(physical_);
+    if (keep(*physical)) pool::give(key_, std::move(physical));
   }
 
-  Handle env_;  // declared first: the connection handle must go before its environment
-  Handle dbc_;
-  bool connected_ = false;
+  PhysicalPtr physical_;
+  std::u16string key_;  // the connection string with credentials: the pool's key
+  bool pooled_ = false;
+  bool reused_ = false;        // taken from the pool, and no statement sent on it yet
+  bool auditPending_ = false;  // a former caller's audit trail id may still be in the session
+  Dirty dirty_;
   int cursorLocation_ = adUseClient;
   int timeout_ = kDefaultCommandTimeout;
   std::int64_t affected_ = -1;

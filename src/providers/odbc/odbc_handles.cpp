@@ -17,6 +17,9 @@ namespace {
 
 std::atomic<std::int64_t> gLiveHandles{0};
 
+// The server's number for a login it refused.
+constexpr SQLINTEGER kLoginFailed = 18456;
+
 // A driver that keeps piling up records is cut off here.
 constexpr SQLSMALLINT kMaxRecords = 64;
 
@@ -103,7 +106,14 @@ Error diagnosticError(SQLSMALLINT type, SQLHANDLE handle, std::string_view call)
   if (chosen == nullptr) {
     return Error(err::kProviderFailure, fmt::format("[vrdppo.odbc] {} failed", call), kErrorSource);
   }
-  return Error(errorNumberFor(chosen->state), std::move(description), kErrorSource, chosen->state,
+  // Some drivers report a lost link as a mere warning and a refused login as a command error;
+  // a caller that retries on a lost link or tells a login from a statement needs the classes a
+  // server's own client gives. The driver's text and native number stay.
+  std::string state = chosen->state;
+  if (isLinkNative(static_cast<std::int32_t>(chosen->native))) state = "08S01";
+  if (chosen->native == kLoginFailed) state = "28000";
+  const std::int32_t number = errorNumberFor(state);
+  return Error(number, std::move(description), kErrorSource, std::move(state),
                static_cast<std::int32_t>(chosen->native));
 }
 

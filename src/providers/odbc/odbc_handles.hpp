@@ -52,6 +52,12 @@ Error diagnosticError(SQLSMALLINT type, SQLHANDLE handle, std::string_view call)
 inline void check(SQLRETURN rc, const Handle& handle, std::string_view call) {
   if (!SQL_SUCCEEDED(rc)) fail(handle, call);
 }
+// The driver's native numbers for a link to the server that failed under a statement (FreeTDS:
+// a read or write that failed, an unexpected end of the stream, a token out of place).
+inline bool isLinkNative(std::int32_t native) noexcept {
+  return native == 20004 || native == 20006 || native == 20017 || native == 20020;
+}
+
 // The SQLSTATE of the handle's first diagnostic record, empty when there is none.
 std::string firstSqlState(const Handle& handle);
 

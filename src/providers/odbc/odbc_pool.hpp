@@ -1,0 +1,53 @@
+// The physical connections the ODBC provider keeps between statements, as the platform's
+// data-access layer kept them: the gateway opens and closes a connection per statement, and
+// underneath the login is made once and the session handed on, cleaned, to the next statement.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "providers/odbc/odbc_handles.hpp"
+
+namespace vrdppo::odbc {
+
+// One login on a server: its handles and what the statements run on it left in its session.
+struct PhysicalConnection {
+  Handle env;  // declared first: the connection handle must go before its environment
+  Handle dbc;
+  // The server speaks T-SQL, so that the pool knows how to clean and test its sessions; no other
+  // kind of server's connection is kept.
+  bool tsql = false;
+  // What "exec ZZ_SetAuditTrailID n" left in the session context; 0 when nothing.
+  std::int32_t auditTrailId = 0;
+  std::chrono::steady_clock::time_point idleSince;
+
+  ~PhysicalConnection();
+};
+using PhysicalPtr = std::unique_ptr<PhysicalConnection>;
+
+namespace pool {
+
+// Whether connections are kept at all: on unless VRDPPO_ODBC_POOLING is 0, no, false or off.
+bool enabled();
+// How long an idle connection is kept: VRDPPO_ODBC_POOL_TIMEOUT seconds, 60 by default (the
+// driver managers' own default); 0 keeps none.
+std::chrono::seconds idleTimeout();
+// Idle connections kept per connection string.
+inline constexpr std::size_t kIdlePerKey = 16;
+
+// An idle connection made with `key` (the whole connection string, credentials included),
+// preferring one whose session holds this audit trail id; null when there is none. Connections
+// idle past the timeout are closed on the way.
+PhysicalPtr take(const std::u16string& key, std::int32_t auditTrailId);
+// Keeps a connection whose session is clean for the next caller with the same key.
+void give(const std::u16string& key, PhysicalPtr connection);
+// Closes every idle connection of key: one of them found its link dead, and so, most likely
+// (a server restarted, a network dropped), are the others.
+void purge(const std::u16string& key);
+
+}  // namespace pool
+
+}  // namespace vrdppo::odbc
