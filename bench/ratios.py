@@ -39,6 +39,20 @@ RATIOS = [
      "BM_PlainOdbcStemsIntoStructs", 1.3),
     ("ODBC (FreeTDS, T-SQL engine) Load / plain block loop", "BM_TsqlLoadStemsIntoBuffer",
      "BM_PlainTsqlStemsIntoStructs", 1.3),
+    # One-row calls to the T-SQL engine: the library, its sessions kept, against the same
+    # statements on one held connection; then with the sessions switched off (a login a call).
+    ("server Load by key / held connection", "BM_CallLoadByKey", "BM_HeldLoadByKey", 1.3),
+    ("server Commit, new record / held connection", "BM_CallCommitNew", "BM_HeldCommitNew", 1.3),
+    ("server Commit, existing record / held connection", "BM_CallCommitExisting",
+     "BM_HeldCommitExisting", 1.3),
+    ("server Delete / held connection", "BM_CallDelete", "BM_HeldDelete", 1.3),
+    ("(for reference) Load by key, no pooling / held", "BM_CallLoadByKeyUnpooled",
+     "BM_HeldLoadByKey", None),
+    ("(for reference) Commit new, no pooling / held", "BM_CallCommitNewUnpooled",
+     "BM_HeldCommitNew", None),
+    ("(for reference) Commit existing, no pooling / held", "BM_CallCommitExistingUnpooled",
+     "BM_HeldCommitExisting", None),
+    ("(for reference) Delete, no pooling / held", "BM_CallDeleteUnpooled", "BM_HeldDelete", None),
     # Both sides wait on the same fdatasync a row, so the wall clock moves with the disk; the CPU
     # time is what the library adds.
     ("Commit / prepared INSERT, CPU time", "BM_CommitInsert", "BM_PreparedInsert", 1.2, "cpu"),
@@ -55,13 +69,17 @@ def run(binary, repetitions):
         check=True, stdout=subprocess.PIPE, text=True).stdout
     medians, skipped = {}, {}
     for b in json.loads(out)["benchmarks"]:
-        name = b.get("run_name", b["name"]).split("/")[0]
+        full = b.get("run_name", b["name"])
+        name = full.split("/")[0]
+        if "/threads:" in full:  # one row per thread count
+            name += "/threads:" + full.split("/threads:")[1].split("/")[0]
         if b.get("error_occurred"):
             skipped[name] = b.get("error_message", "error")
         elif b.get("aggregate_name") == "median" or (repetitions == 1 and
                                                      b.get("run_type") == "iteration"):
             unit = UNIT[b.get("time_unit", "ns")]
-            medians[name] = {"real": b["real_time"] * unit, "cpu": b["cpu_time"] * unit}
+            medians[name] = {"real": b["real_time"] * unit, "cpu": b["cpu_time"] * unit,
+                             "items": b.get("items_per_second", 0.0)}
     return medians, skipped
 
 
@@ -92,6 +110,11 @@ def main():
             print(f"| {label} | {ratio:.2f}x | - | - |")
         else:
             print(f"| {label} | {ratio:.2f}x | <= {goal} | {'yes' if ratio <= goal else 'no'} |")
+    threads = [n for n in sorted(medians) if n.startswith("BM_CallLoadByKeyThreads")]
+    for n in threads:
+        count = n.rsplit("threads:", 1)[-1] if "threads:" in n else "1"
+        print(f"| (for reference) Load by key, {count} thread(s): calls per second | "
+              f"{medians[n]['items']:.0f} | - | - |")
     ratio = peak(args.binary)
     print(f"| peak memory, Load of 1,000,000 STEMS / state size | {ratio:.2f}x | <= 1.5 | "
           f"{'yes' if ratio <= 1.5 else 'no'} |")
