@@ -122,8 +122,9 @@ const std::string& server() {
     c.exec("IF OBJECT_ID('sp_InsertStatement') IS NOT NULL DROP PROCEDURE sp_InsertStatement");
     c.exec(procedureBatch("sp_InsertStatement"));
     for (int i = 0; i < kRows; ++i) {
-      c.exec("INSERT INTO STEMS (TotalNetWeight, ContainerStart, ContainerEnd, StemTypeID, "
-             "ProductionRunId) VALUES (812.5, 3, 15, 2, 7)");
+      c.exec(
+          "INSERT INTO STEMS (TotalNetWeight, ContainerStart, ContainerEnd, StemTypeID, "
+          "ProductionRunId) VALUES (812.5, 3, 15, 2, 7)");
     }
     return connect;
   }();
@@ -162,19 +163,21 @@ class Deletable {
     if (next_ > last_) {
       state.PauseTiming();
       Held c(server());
-      c.exec("DECLARE @first INT = ISNULL(IDENT_CURRENT('STEMS'), 0) + 1; "
-             "WITH d(n) AS (SELECT 0 UNION ALL SELECT 1 UNION ALL SELECT 2 UNION ALL SELECT 3 "
-             "UNION ALL SELECT 4 UNION ALL SELECT 5 UNION ALL SELECT 6 UNION ALL SELECT 7 UNION "
-             "ALL SELECT 8 UNION ALL SELECT 9), i(n) AS (SELECT a.n + 10 * b.n + 100 * c.n + "
-             "1000 * e.n FROM d a CROSS JOIN d b CROSS JOIN d c CROSS JOIN d e) "
-             "INSERT INTO STEMS (TotalNetWeight, ContainerStart, ContainerEnd, StemTypeID, "
-             "ProductionRunId) SELECT 1.5, n, n, 2, 7 FROM i CROSS JOIN (SELECT 1 AS k UNION ALL "
-             "SELECT 2) two");
+      c.exec(
+          "DECLARE @first INT = ISNULL(IDENT_CURRENT('STEMS'), 0) + 1; "
+          "WITH d(n) AS (SELECT 0 UNION ALL SELECT 1 UNION ALL SELECT 2 UNION ALL SELECT 3 "
+          "UNION ALL SELECT 4 UNION ALL SELECT 5 UNION ALL SELECT 6 UNION ALL SELECT 7 UNION "
+          "ALL SELECT 8 UNION ALL SELECT 9), i(n) AS (SELECT a.n + 10 * b.n + 100 * c.n + "
+          "1000 * e.n FROM d a CROSS JOIN d b CROSS JOIN d c CROSS JOIN d e) "
+          "INSERT INTO STEMS (TotalNetWeight, ContainerStart, ContainerEnd, StemTypeID, "
+          "ProductionRunId) SELECT 1.5, n, n, 2, 7 FROM i CROSS JOIN (SELECT 1 AS k UNION ALL "
+          "SELECT 2) two");
       Held q(server());
       SQLHSTMT st = SQL_NULL_HSTMT;
       SQLAllocHandle(SQL_HANDLE_STMT, q.dbc, &st);
-      SQLExecDirect(st, reinterpret_cast<SQLCHAR*>(const_cast<char*>(
-                            "SELECT CAST(IDENT_CURRENT('STEMS') AS INT)")),
+      SQLExecDirect(st,
+                    reinterpret_cast<SQLCHAR*>(
+                        const_cast<char*>("SELECT CAST(IDENT_CURRENT('STEMS') AS INT)")),
                     SQL_NTS);
       SQLINTEGER current = 0;
       SQLLEN length = 0;
@@ -256,18 +259,42 @@ void held(benchmark::State& state, Call call) {
   state.SetItemsProcessed(state.iterations());
 }
 
-void BM_CallLoadByKey(benchmark::State& s) { library(s, Call::Load, true); }
-void BM_CallCommitNew(benchmark::State& s) { library(s, Call::CommitNew, true); }
-void BM_CallCommitExisting(benchmark::State& s) { library(s, Call::CommitExisting, true); }
-void BM_CallDelete(benchmark::State& s) { library(s, Call::Delete, true); }
-void BM_CallLoadByKeyUnpooled(benchmark::State& s) { library(s, Call::Load, false); }
-void BM_CallCommitNewUnpooled(benchmark::State& s) { library(s, Call::CommitNew, false); }
-void BM_CallCommitExistingUnpooled(benchmark::State& s) { library(s, Call::CommitExisting, false); }
-void BM_CallDeleteUnpooled(benchmark::State& s) { library(s, Call::Delete, false); }
-void BM_HeldLoadByKey(benchmark::State& s) { held(s, Call::Load); }
-void BM_HeldCommitNew(benchmark::State& s) { held(s, Call::CommitNew); }
-void BM_HeldCommitExisting(benchmark::State& s) { held(s, Call::CommitExisting); }
-void BM_HeldDelete(benchmark::State& s) { held(s, Call::Delete); }
+void BM_CallLoadByKey(benchmark::State& s) {
+  library(s, Call::Load, true);
+}
+void BM_CallCommitNew(benchmark::State& s) {
+  library(s, Call::CommitNew, true);
+}
+void BM_CallCommitExisting(benchmark::State& s) {
+  library(s, Call::CommitExisting, true);
+}
+void BM_CallDelete(benchmark::State& s) {
+  library(s, Call::Delete, true);
+}
+void BM_CallLoadByKeyUnpooled(benchmark::State& s) {
+  library(s, Call::Load, false);
+}
+void BM_CallCommitNewUnpooled(benchmark::State& s) {
+  library(s, Call::CommitNew, false);
+}
+void BM_CallCommitExistingUnpooled(benchmark::State& s) {
+  library(s, Call::CommitExisting, false);
+}
+void BM_CallDeleteUnpooled(benchmark::State& s) {
+  library(s, Call::Delete, false);
+}
+void BM_HeldLoadByKey(benchmark::State& s) {
+  held(s, Call::Load);
+}
+void BM_HeldCommitNew(benchmark::State& s) {
+  held(s, Call::CommitNew);
+}
+void BM_HeldCommitExisting(benchmark::State& s) {
+  held(s, Call::CommitExisting);
+}
+void BM_HeldDelete(benchmark::State& s) {
+  held(s, Call::Delete);
+}
 
 // Load by key from several threads at once, each with its own object, as a plant's workstations
 // would call: items per second are calls per second.

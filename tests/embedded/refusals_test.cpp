@@ -60,7 +60,8 @@ TEST_F(Refusals, AConditionThatIsABareValue) {
       u"SELECT * FROM STEMS WHERE EXISTS (SELECT 1 FROM STEMS WHERE StemsId = 1)",
       u"SELECT * FROM STEMS WHERE (SELECT COUNT(*) FROM STEMS) > 0",
       u"SELECT * FROM STEMS WHERE CASE WHEN StemsId = 1 THEN 1 ELSE 0 END = 1",
-      u"SELECT * FROM STEMS WHERE LEFT(ContainerStart, 1) = 'a' ORDER BY CASE StemsId WHEN 1 THEN 0 END",
+      u"SELECT * FROM STEMS WHERE LEFT(ContainerStart, 1) = 'a' ORDER BY CASE StemsId WHEN 1 THEN "
+      u"0 END",
       u"SELECT s.* FROM STEMS s LEFT JOIN STEMS t ON t.StemsId = s.StemsId WHERE s.StemsId != 9",
   };
   for (const auto sql : taken) {
@@ -74,8 +75,9 @@ TEST_F(Refusals, ABareCriteriaThroughAClassLosesNothing) {
   cOvenMoisturePersist moisture;
   cStemsPersist stems;
   for (const auto* criteria : {u"77", u"5", u"True", u"ProductionRunId"}) {
-    EXPECT_EQ(errorOf([&] { moisture.CriteriaDelete(moisture.GetState(), criteria, connect); })
-                  .nativeError(),
+    EXPECT_EQ(errorOf([&] {
+                moisture.CriteriaDelete(moisture.GetState(), criteria, connect);
+              }).nativeError(),
               4145);
     EXPECT_EQ(errorOf([&] { stems.Load(criteria, connect); }).nativeError(), 4145);
   }
@@ -109,8 +111,8 @@ TEST_F(Refusals, NoStatementChangesTheSchema) {
     EXPECT_NE(e.description().find(c.message), std::string::npos) << e.description();
   }
   // The criteria a probe sent, through a class, as a client sends it.
-  const Error e = errorOf(
-      [&] { cStemsPersist().Load(u"1=1; DROP TABLE STEMS", connectString(path_)); });
+  const Error e =
+      errorOf([&] { cStemsPersist().Load(u"1=1; DROP TABLE STEMS", connectString(path_)); });
   EXPECT_EQ(e.nativeError(), 3701);
   releaseStore(path_);  // a later process finds every table and row where it was
   EXPECT_EQ(count(u"STEMS"), 3);

@@ -191,11 +191,10 @@ TEST(Stress, EightThreadsOnServerSessionsKeepTheirOwn) {
       ++ready;
       while (ready < kThreads) std::this_thread::yield();
       try {
-        for (int n = 0; n < kMaxRoundsPerThread && std::chrono::steady_clock::now() < until;
-             ++n) {
+        for (int n = 0; n < kMaxRoundsPerThread && std::chrono::steady_clock::now() < until; ++n) {
           round(w, t, n);
-          const auto rs = dbHelp::OpenRecordset(
-              u"SELECT CAST(SESSION_CONTEXT(N'AuditTrailID') AS INT)");
+          const auto rs =
+              dbHelp::OpenRecordset(u"SELECT CAST(SESSION_CONTEXT(N'AuditTrailID') AS INT)");
           const Variant id = rs->Fields(0);
           if (w.auditTrailId == 0 ? !id.isNull() : !(id == Variant(w.auditTrailId))) {
             throw std::runtime_error("another thread's audit trail id in the session");

@@ -149,8 +149,8 @@ TEST_F(Pool, ASessionThatDiedWithItsServerCostsOnlyANewLogin) {
   first(u"SELECT 1");
   first(u"SELECT 1");
   ASSERT_GE(odbc::idleConnections(), 1u);
-  const std::string restart = std::string(engine) + " --stop >/dev/null 2>&1 && " + engine +
-                              " >/dev/null 2>&1";
+  const std::string restart =
+      std::string(engine) + " --stop >/dev/null 2>&1 && " + engine + " >/dev/null 2>&1";
   ASSERT_EQ(std::system(restart.c_str()), 0);
   // The gateway's own SET goes first: it finds the session dead and goes again on a new one.
   EXPECT_EQ(stems.Load(u"", server_), before);

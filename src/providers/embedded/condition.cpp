@@ -14,8 +14,8 @@ namespace {
 
 // Words that end a WHERE, ON or HAVING condition at its own level.
 constexpr std::array<std::u16string_view, 17> kClauseWords{
-    u"WHERE", u"GROUP",  u"ORDER", u"HAVING", u"UNION", u"INTERSECT", u"EXCEPT", u"OPTION", u"FOR",
-    u"JOIN",  u"INNER",  u"FULL",  u"CROSS",  u"OUTER", u"ON",        u"WHEN",   u"ELSE"};
+    u"WHERE", u"GROUP", u"ORDER", u"HAVING", u"UNION", u"INTERSECT", u"EXCEPT", u"OPTION", u"FOR",
+    u"JOIN",  u"INNER", u"FULL",  u"CROSS",  u"OUTER", u"ON",        u"WHEN",   u"ELSE"};
 
 // Words that make a predicate of the expression around them.
 constexpr std::array<std::u16string_view, 5> kPredicateWords{u"LIKE", u"IN", u"BETWEEN", u"IS",
@@ -79,11 +79,11 @@ class Conditions {
     for (std::size_t i = from; i < end_; i = next(i)) {
       if (t_.isPunct(i, u')')) return i;
       if (t_[i].kind != Tok::Word) continue;
-      if (when ? t_.isWord(i, u"THEN")
-               : isOneOf(t_, i, kClauseWords.data(), kClauseWords.size()) ||
-                     t_.isWord(i, u"THEN") ||
-                     ((t_.isWord(i, u"LEFT") || t_.isWord(i, u"RIGHT")) &&
-                      !t_.isPunct(t_.skip(i + 1, end_), u'('))) {
+      if (when
+              ? t_.isWord(i, u"THEN")
+              : isOneOf(t_, i, kClauseWords.data(), kClauseWords.size()) || t_.isWord(i, u"THEN") ||
+                    ((t_.isWord(i, u"LEFT") || t_.isWord(i, u"RIGHT")) &&
+                     !t_.isPunct(t_.skip(i + 1, end_), u'('))) {
         return i;
       }
     }

@@ -79,8 +79,8 @@ void applySchema(sqlite3* db, const std::string& path) {
 }
 
 // Statements of a connection may read and write the rows of its database, as on a server, and
-// reach nothing outside it: no other file attached (VACUUM INTO attaches its target too), no extension loaded,
-// no setting of the file changed. The pragmas left are those that only read.
+// reach nothing outside it: no other file attached (VACUUM INTO attaches its target too), no
+// extension loaded, no setting of the file changed. The pragmas left are those that only read.
 int confineToTheFile(void*, int action, const char* a1, const char* a2, const char*, const char*) {
   const std::string_view arg1 = a1 ? a1 : "";
   switch (action) {

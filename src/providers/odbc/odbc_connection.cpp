@@ -4,8 +4,8 @@
 #include "providers/odbc/odbc_fetch.hpp"
 #include "providers/odbc/odbc_handles.hpp"
 #include "providers/odbc/odbc_pool.hpp"
-#include "providers/odbc/odbc_session_effects.hpp"
 #include "providers/odbc/odbc_provider.hpp"
+#include "providers/odbc/odbc_session_effects.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/text.hpp"
@@ -89,7 +89,8 @@ bool poolingRefused(std::u16string_view connect) {
 bool isLinkFailure(const Error& e, const Handle& dbc) {
   if (e.sqlState().starts_with("08") || isLinkNative(e.nativeError())) return true;
   SQLUINTEGER dead = SQL_CD_FALSE;
-  return SQL_SUCCEEDED(SQLGetConnectAttrW(dbc.get(), SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr)) &&
+  return SQL_SUCCEEDED(
+             SQLGetConnectAttrW(dbc.get(), SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr)) &&
          dead == SQL_CD_TRUE;
 }
 

@@ -38,8 +38,9 @@ struct Idle {
     const auto limit = pool::idleTimeout();
     for (auto it = byKey.begin(); it != byKey.end();) {
       auto& list = it->second;
-      const auto stale = std::find_if(list.begin(), list.end(),
-                                      [&](const PhysicalPtr& p) { return now - p->idleSince < limit; });
+      const auto stale = std::find_if(list.begin(), list.end(), [&](const PhysicalPtr& p) {
+        return now - p->idleSince < limit;
+      });
       count -= static_cast<std::size_t>(stale - list.begin());
       list.erase(list.begin(), stale);
       it = list.empty() ? byKey.erase(it) : std::next(it);
@@ -112,9 +113,8 @@ PhysicalPtr take(const std::u16string& key, std::int32_t auditTrailId) {
       --i.count;
     }
     // The most recently used first: its session is the likeliest alive and its pages warm.
-    auto pick = std::find_if(list.rbegin(), list.rend(), [&](const PhysicalPtr& p) {
-      return p->auditTrailId == auditTrailId;
-    });
+    auto pick = std::find_if(list.rbegin(), list.rend(),
+                             [&](const PhysicalPtr& p) { return p->auditTrailId == auditTrailId; });
     if (pick == list.rend()) pick = list.rbegin();
     if (pick != list.rend()) {
       taken = std::move(*pick);

@@ -21,9 +21,15 @@ bool isWordChar(char16_t c) {
 }
 
 // Words that, wherever they stand, change the session for good.
-constexpr std::array<std::u16string_view, 9> kLastingWords{
-    u"USE",           u"SETUSER",         u"REVERT",  u"CURSOR", u"sp_setapprole",
-    u"sp_getapplock", u"sp_set_session_context", u"CONTEXT_INFO", u"ZZ_SetAuditTrailID"};
+constexpr std::array<std::u16string_view, 9> kLastingWords{u"USE",
+                                                           u"SETUSER",
+                                                           u"REVERT",
+                                                           u"CURSOR",
+                                                           u"sp_setapprole",
+                                                           u"sp_getapplock",
+                                                           u"sp_set_session_context",
+                                                           u"CONTEXT_INFO",
+                                                           u"ZZ_SetAuditTrailID"};
 
 constexpr std::array<std::u16string_view, 2> kTransactionWords{u"TRAN", u"TRANSACTION"};
 
@@ -73,8 +79,8 @@ std::size_t skipQuoted(std::u16string_view s, std::size_t i) {
 }
 
 std::u16string_view trimmed(std::u16string_view s) {
-  while (!s.empty() && (s.front() == u' ' || s.front() == u'\t' || s.front() == u'\r' ||
-                        s.front() == u'\n')) {
+  while (!s.empty() &&
+         (s.front() == u' ' || s.front() == u'\t' || s.front() == u'\r' || s.front() == u'\n')) {
     s.remove_prefix(1);
   }
   while (!s.empty() && (s.back() == u' ' || s.back() == u'\t' || s.back() == u'\r' ||
