@@ -93,6 +93,47 @@ TEST_F(ConcurrencyTest, AnotherProcessWritingAtOnceLosesNothing) {
   EXPECT_EQ(toLong(scalar(u"SELECT COUNT(DISTINCT PICKINGSID) FROM PICKINGS")), 2 * kRowsPerWriter);
 }
 
+// Processes that open a file no one has opened yet, all at the same moment, each write once:
+// the switch to write-ahead logging and the schema make them take turns, and none fails.
+TEST(ConcurrentFirstOpen, ProcessesOpeningANewFileTogetherAllWrite) {
+  constexpr int kRounds = 24;
+  constexpr int kProcesses = 8;
+  int failed = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    const std::string path = freshStorePath("first_open_" + std::to_string(round));
+    int go[2];
+    ASSERT_EQ(::pipe(go), 0);
+    std::vector<pid_t> children;
+    for (int p = 0; p < kProcesses; ++p) {
+      const pid_t child = ::fork();
+      ASSERT_GE(child, 0);
+      if (child == 0) {
+        ::close(go[1]);
+        char start = 0;
+        int code = ::read(go[0], &start, 1) == 0 ? 0 : 2;  // all start when the pipe closes
+        try {
+          if (code == 0) insertPicking(path, p, round);
+        } catch (...) {
+          code = 1;
+        }
+        ::_exit(code);
+      }
+      children.push_back(child);
+    }
+    ::close(go[0]);
+    ::close(go[1]);
+    for (const pid_t child : children) {
+      int status = 0;
+      ASSERT_EQ(::waitpid(child, &status, 0), child);
+      if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) ++failed;
+    }
+    EXPECT_EQ(toLong(Client(path).scalar(u"SELECT COUNT(*) FROM PICKINGS")), kProcesses);
+    releaseStore(path);
+    removeStore(path);
+  }
+  EXPECT_EQ(failed, 0) << "of " << kRounds * kProcesses << " processes";
+}
+
 }  // namespace
 
 }  // namespace vrdppo::embedded::testing

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <chrono>
 #include <mutex>
 #include <string_view>
 #include <unordered_map>
@@ -139,6 +141,19 @@ int confineToTheFile(void*, int action, const char* a1, const char* a2, const ch
   }
 }
 
+// Switching a file to write-ahead logging needs a moment without other processes' locks, and
+// SQLite answers busy at once rather than call the busy handler when another process is in the
+// middle of the same switch (several processes opening a new file together); so it waits here,
+// as long as any statement would.
+int switchToWal(sqlite3* db) {
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kBusyTimeoutMs);
+  for (int pause = 1;; pause = std::min(pause * 2, 64)) {
+    const int rc = sqlite3_exec(db, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
+    if ((rc & 0xff) != SQLITE_BUSY || std::chrono::steady_clock::now() >= until) return rc;
+    sqlite3_sleep(pause);
+  }
+}
+
 }  // namespace
 
 StoreConnectionPtr openConnection(const std::string& path, const Session* session) {
@@ -175,8 +190,7 @@ void prepareStore(const std::string& path, bool recheck) {
   }
   StoreConnectionPtr setup = openConnection(path, nullptr);
   sqlite3* db = setup->db.get();
-  // Switching to WAL needs a moment without other connections' locks; the busy handler waits.
-  const int rc = sqlite3_exec(db, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
+  const int rc = switchToWal(db);
   if (rc != SQLITE_OK) failOpen(db, path, rc);
   applySchema(db, path);
   std::lock_guard lock(f.mutex);
