@@ -52,7 +52,7 @@ class RecordSink {
 
   // A result with columns has begun: each field finds its column by name, the first of that name
   // without regard to case, and its reader. A field without a column raises 3265 at the first
-  // row, once the initialiser has run.
+  // row, once the initialiser has run and the fields before it are read.
   void begin(const ResultColumns& columns);
   // The provider's current row into the record, then to take().
   void row(const void* providerRow);
@@ -84,7 +84,6 @@ class RecordSink {
   std::vector<std::size_t> positions_;  // result column of each field; npos when missing
   std::vector<CellReader> readers_;
   bool begun_ = false;
-  bool missing_ = false;
   bool failedInRecord_ = false;
   std::size_t rows_ = 0;
 };

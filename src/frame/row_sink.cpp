@@ -28,7 +28,6 @@ void RecordSink::begin(const ResultColumns& columns) {
         break;
       }
     }
-    missing_ = missing_ || positions_[i] == kMissing;
   }
   begun_ = true;
 }
@@ -40,7 +39,6 @@ void RecordSink::startRow() {
   failedInRecord_ = true;
   firstRow();
   initialiseRecord(layout_, record_);
-  if (missing_) throw Error::runtime(err::kItemNotFound);
   failedInRecord_ = false;
 }
 
@@ -60,6 +58,12 @@ void RecordSink::row(const void* providerRow) {
         failedInRecord_ = true;
         r.store(providerRow, positions_[i], r.tag, fields[i], record_);
       } else {
+        // A field without a column stops the first row there, the fields before it read: the
+        // row is read in order until a column is missing.
+        if (r.value == nullptr) {
+          failedInRecord_ = true;
+          throw Error::runtime(err::kItemNotFound);
+        }
         failedInRecord_ = false;
         const Variant v = r.value(providerRow, positions_[i], r.tag);
         failedInRecord_ = true;

@@ -297,7 +297,9 @@ TEST_F(Contract, ViewLoadReadsNullDatesAsTheDefault) {
 TEST_F(Contract, AMissingColumnRaisesAtTheFirstRowAfterTheInitialiser) {
   cStemsPersist s;
   s.SetState(stem(901));
-  db.answerRows(u"STEMS", {u"StemsId"}, {{int32_t{1}}}, 1);
+  // ContainerStart, the third field, is missing: the two before it are read, then it raises.
+  db.answerRows(u"STEMS", {u"StemsId", u"TotalNetWeight", u"ContainerEnd"},
+                {{int32_t{1}, 2.5, int32_t{3}}}, 1);
   try {
     s.Load(u"", kConnect);
     ADD_FAILURE();
@@ -307,6 +309,8 @@ TEST_F(Contract, AMissingColumnRaisesAtTheFirstRowAfterTheInitialiser) {
   }
   cStemsPersist fresh;
   initialiseRecord(fresh.layout(), fresh.recordBytes());
+  fresh.record().StemsId = 1;
+  fresh.record().TotalNetWeight = 2.5;
   EXPECT_EQ(s.GetState(), fresh.GetState());
 
   // Without a row nothing is looked up.
