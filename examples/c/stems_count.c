@@ -50,9 +50,9 @@ int main(int argc, char** argv) {
       printf("a bad criterion: %s\n", st.description ? st.description : "(no error)");
     }
   }
-  vrdppo_value_clear(&state);
-  vrdppo_value_clear(&connect);
+  vrdppo_value_clear(&state, NULL);
+  vrdppo_value_clear(&connect, NULL);
   vrdppo_status_clear(&st);
-  vrdppo_release(stems);
+  vrdppo_release(stems, NULL);
   return rc;
 }

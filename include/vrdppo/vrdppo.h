@@ -2,10 +2,14 @@
  * record layouts and the per-thread session. Plain C, for any language's foreign-function
  * interface. No function lets an exception or an abort through: a failure is a status.
  *
- * Strings handed in are read during the call only. Strings handed out in a vrdppo_value or a
- * vrdppo_status belong to the caller, who frees them with vrdppo_value_clear and
- * vrdppo_status_clear. Strings in the info structures belong to the library and live as long as
- * the process. */
+ * Who owns what:
+ * - Strings handed in are the caller's; the library reads them during the call only.
+ * - Strings handed out in a vrdppo_value or a vrdppo_status are the caller's to free, with
+ *   vrdppo_value_clear and vrdppo_status_clear; vrdppo_value_text's with vrdppo_free. A status
+ *   starts zeroed ({0}); the library frees what an earlier failure left in it.
+ * - Objects are the caller's from vrdppo_create to vrdppo_release. Their handles are numbers the
+ *   library checks: a released one is refused, never followed.
+ * - Strings in the info structures belong to the library and live as long as the process. */
 #ifndef VRDPPO_VRDPPO_H
 #define VRDPPO_VRDPPO_H
 
@@ -151,7 +155,9 @@ VRDPPO_C_API int32_t vrdppo_column_info_get(int32_t class_index, int32_t column_
 VRDPPO_C_API int32_t vrdppo_create(const char* class_name, vrdppo_object** out,
                                    vrdppo_status* status);
 VRDPPO_C_API int32_t vrdppo_object_class(const vrdppo_object* object); /* its class index */
-VRDPPO_C_API void vrdppo_release(vrdppo_object* object);
+/* Releases the object. A handle released before, or not made by vrdppo_create, is refused with
+ * a status (so is any call on it), never followed. */
+VRDPPO_C_API int32_t vrdppo_release(vrdppo_object* object, vrdppo_status* status);
 
 /* Late-bound calls: arguments in the member's order, optional ones as VRDPPO_MISSING or left off
  * the end. The result is written to *result (which may be NULL), to be cleared by the caller
@@ -179,7 +185,9 @@ VRDPPO_C_API void vrdppo_embedded_release(const char* path);
  * vrdppo_free. */
 VRDPPO_C_API char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status);
 
-VRDPPO_C_API void vrdppo_value_clear(vrdppo_value* value);
+/* Frees the string of a value the library handed out and empties the value. A string the
+ * caller made (or one cleared before) is refused with a status and left alone. */
+VRDPPO_C_API int32_t vrdppo_value_clear(vrdppo_value* value, vrdppo_status* status);
 VRDPPO_C_API void vrdppo_status_clear(vrdppo_status* status);
 VRDPPO_C_API void vrdppo_free(void* p);
 

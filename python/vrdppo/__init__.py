@@ -337,11 +337,11 @@ class Persist:
         try:
             return _from_value(result)
         finally:
-            _lib.vrdppo_value_clear(ctypes.byref(result))
+            _lib.vrdppo_value_clear(ctypes.byref(result), None)
 
     def close(self):
         if self.__dict__.get("_handle"):
-            _lib.vrdppo_release(self._handle)
+            _lib.vrdppo_release(self._handle, None)
             self._handle = None
 
     def __del__(self):
@@ -395,7 +395,7 @@ def session():
         v = _capi.Value()
         _check(_lib.vrdppo_session_get, key, ctypes.byref(v))
         out[name] = _from_value(v)
-        _lib.vrdppo_value_clear(ctypes.byref(v))
+        _lib.vrdppo_value_clear(ctypes.byref(v), None)
     return out
 
 
@@ -406,7 +406,7 @@ def embedded_connect_string(path):
     try:
         return _from_value(v)
     finally:
-        _lib.vrdppo_value_clear(ctypes.byref(v))
+        _lib.vrdppo_value_clear(ctypes.byref(v), None)
 
 
 def open_store(path):

@@ -104,14 +104,14 @@ def _declare(lib):
         "vrdppo_arg_info_get": (i32, [i32, i32, i32, p(ArgInfo), status]),
         "vrdppo_column_info_get": (i32, [i32, i32, p(ColumnInfo), status]),
         "vrdppo_create": (i32, [ctypes.c_char_p, p(ctypes.c_void_p), status]),
-        "vrdppo_release": (None, [ctypes.c_void_p]),
+        "vrdppo_release": (i32, [ctypes.c_void_p, status]),
         "vrdppo_invoke_id": (i32, [ctypes.c_void_p, i32, p(Value), i32, p(Value), status]),
         "vrdppo_session_set": (i32, [i32, p(Value), status]),
         "vrdppo_session_get": (i32, [i32, p(Value), status]),
         "vrdppo_embedded_connect_string": (i32, [ctypes.c_char_p, p(Value), status]),
         "vrdppo_embedded_open": (i32, [ctypes.c_char_p, status]),
         "vrdppo_embedded_release": (None, [ctypes.c_char_p]),
-        "vrdppo_value_clear": (None, [p(Value)]),
+        "vrdppo_value_clear": (i32, [p(Value), status]),
         "vrdppo_status_clear": (None, [status]),
     }
     for name, (restype, argtypes) in signatures.items():

@@ -1,11 +1,15 @@
 // The C interface over the registry: every entry point catches whatever the library raises and
 // hands it back as a status, so nothing but return values crosses into the caller's language.
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "vrdppo/dbhelp.hpp"
@@ -18,13 +22,74 @@
 
 static_assert(sizeof(char16_t) == sizeof(uint16_t));
 
+namespace {
+
 // An object handed out: its class, so that the caller may ask without a call.
-struct vrdppo_object {
+struct Handed {
   std::int32_t classIndex;
   std::unique_ptr<vrdppo::PersistObject> object;
 };
 
-namespace {
+// The objects handed out, each known by a number never handed out twice, so that a handle
+// released (or never handed out) is found missing instead of followed into freed memory. A call
+// holds its object while it runs, so a release from another thread cannot pull it away.
+class Objects {
+ public:
+  vrdppo_object* add(std::shared_ptr<Handed> handed) {
+    std::lock_guard lock(mutex_);
+    // Odd, so that a handle is never a pointer the caller could follow by mistake.
+    const std::uintptr_t id = (++last_ << 4U) | 0x5U;
+    live_.emplace(id, std::move(handed));
+    return reinterpret_cast<vrdppo_object*>(id);
+  }
+  std::shared_ptr<Handed> find(const vrdppo_object* handle) {
+    std::lock_guard lock(mutex_);
+    const auto it = live_.find(reinterpret_cast<std::uintptr_t>(handle));
+    return it == live_.end() ? nullptr : it->second;
+  }
+  std::shared_ptr<Handed> remove(const vrdppo_object* handle) {
+    std::lock_guard lock(mutex_);
+    const auto it = live_.find(reinterpret_cast<std::uintptr_t>(handle));
+    if (it == live_.end()) return nullptr;
+    auto handed = std::move(it->second);
+    live_.erase(it);
+    return handed;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::uintptr_t last_ = 0;
+  std::unordered_map<std::uintptr_t, std::shared_ptr<Handed>> live_;
+};
+
+// Kept for the whole process: a caller may release objects from its own exit handlers.
+Objects& objects() {
+  static auto* all = new Objects;
+  return *all;
+}
+
+// The strings of the values handed out, so that vrdppo_value_clear frees these and never one
+// the caller made.
+class HandedStrings {
+ public:
+  void add(const void* p) {
+    std::lock_guard lock(mutex_);
+    live_.insert(p);
+  }
+  bool remove(const void* p) {
+    std::lock_guard lock(mutex_);
+    return live_.erase(p) != 0;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::unordered_set<const void*> live_;
+};
+
+HandedStrings& handedStrings() {
+  static auto* all = new HandedStrings;
+  return *all;
+}
 
 using vrdppo::Error;
 using vrdppo::Variant;
@@ -193,6 +258,12 @@ vrdppo_value string16Value(const std::u16string& s) {
   if (p == nullptr) throw std::bad_alloc();
   std::memcpy(p, s.data(), s.size() * sizeof(char16_t));
   p[s.size()] = 0;
+  try {
+    handedStrings().add(p);
+  } catch (...) {
+    std::free(p);
+    throw;
+  }
   vrdppo_value out{};
   out.type = VRDPPO_STRING16;
   out.length = static_cast<std::int32_t>(s.size());
@@ -240,6 +311,12 @@ vrdppo_value toValue(const Variant& v) {
       out.type = VRDPPO_DECIMAL;
       out.length = static_cast<std::int32_t>(t.size());
       out.u.str8 = copyText(t);
+      try {
+        handedStrings().add(out.u.str8);
+      } catch (...) {
+        std::free(const_cast<char*>(out.u.str8));
+        throw;
+      }
       break;
     }
     case VarType::Missing:
@@ -258,14 +335,27 @@ std::vector<Variant> argumentsOf(const vrdppo_value* args, std::int32_t count) {
   return out;
 }
 
+Error notAnObject() {
+  return invalidArgument(
+      "the object was released, or was not made by vrdppo_create; release an object once and "
+      "call it only before");
+}
+
+std::shared_ptr<Handed> liveObject(const vrdppo_object* object) {
+  if (object == nullptr) throw invalidArgument("the object is NULL");
+  auto handed = objects().find(object);
+  if (!handed) throw notAnObject();
+  return handed;
+}
+
 template <class Member>
 std::int32_t invokeMember(vrdppo_object* object, Member member, const vrdppo_value* args,
                           std::int32_t count, vrdppo_value* result, vrdppo_status* st) {
   if (result != nullptr) *result = vrdppo_value{};
   return guarded(st, [&] {
-    if (object == nullptr || !object->object) throw invalidArgument("the object is NULL");
+    const std::shared_ptr<Handed> handed = liveObject(object);
     const std::vector<Variant> a = argumentsOf(args, count);
-    const Variant r = vrdppo::registry::invoke(*object->object, member, a);
+    const Variant r = vrdppo::registry::invoke(*handed->object, member, a);
     if (result != nullptr) *result = toValue(r);
   });
 }
@@ -394,16 +484,25 @@ int32_t vrdppo_create(const char* class_name, vrdppo_object** out, vrdppo_status
     if (class_name == nullptr) throw invalidArgument("the class name is NULL");
     auto object = vrdppo::registry::create(class_name);
     const int32_t index = vrdppo_class_find(object->classInfo().name.c_str());
-    *out = new vrdppo_object{index, std::move(object)};
+    *out = objects().add(std::make_shared<Handed>(Handed{index, std::move(object)}));
   });
 }
 
 int32_t vrdppo_object_class(const vrdppo_object* object) {
-  return object == nullptr ? -1 : object->classIndex;
+  try {
+    const auto handed = object == nullptr ? nullptr : objects().find(object);
+    return handed ? handed->classIndex : -1;
+  } catch (...) {
+    return -1;
+  }
 }
 
-void vrdppo_release(vrdppo_object* object) {
-  delete object;
+int32_t vrdppo_release(vrdppo_object* object, vrdppo_status* status) {
+  return guarded(status, [&] {
+    if (object == nullptr) throw invalidArgument("the object is NULL");
+    // The object goes here unless a call on another thread still holds it; then with that call.
+    if (!objects().remove(object)) throw notAnObject();
+  });
 }
 
 int32_t vrdppo_invoke(vrdppo_object* object, const char* member, const vrdppo_value* args,
@@ -494,14 +593,25 @@ char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status) {
   return text;
 }
 
-void vrdppo_value_clear(vrdppo_value* value) {
-  if (value == nullptr) return;
-  if (value->type == VRDPPO_STRING16) {
-    std::free(const_cast<uint16_t*>(value->u.str16));
-  } else if (value->type == VRDPPO_STRING8 || value->type == VRDPPO_DECIMAL) {
-    std::free(const_cast<char*>(value->u.str8));
-  }
-  *value = vrdppo_value{};
+int32_t vrdppo_value_clear(vrdppo_value* value, vrdppo_status* status) {
+  return guarded(status, [&] {
+    if (value == nullptr) return;
+    const void* text = nullptr;
+    if (value->type == VRDPPO_STRING16) {
+      text = value->u.str16;
+    } else if (value->type == VRDPPO_STRING8 || value->type == VRDPPO_DECIMAL) {
+      text = value->u.str8;
+    }
+    if (text != nullptr) {
+      if (!handedStrings().remove(text)) {
+        throw invalidArgument(
+            "the value's string was not handed out by the library (or was cleared before): it "
+            "is the caller's to free, and is left as it is");
+      }
+      std::free(const_cast<void*>(text));
+    }
+    *value = vrdppo_value{};
+  });
 }
 
 void vrdppo_status_clear(vrdppo_status* status) {

@@ -56,11 +56,13 @@ struct Status : vrdppo_status {
 };
 struct Object {
   vrdppo_object* p = nullptr;
-  ~Object() { vrdppo_release(p); }
+  ~Object() {
+    if (p != nullptr) vrdppo_release(p, nullptr);
+  }
 };
 struct Value : vrdppo_value {
   Value() : vrdppo_value{} {}
-  ~Value() { vrdppo_value_clear(this); }
+  ~Value() { vrdppo_value_clear(this, nullptr); }
 };
 
 std::u16string stemState(Long key, double weight, Long run) {
@@ -227,9 +229,9 @@ TEST_F(CInterface, FailuresComeBackAsStatuses) {
   ASSERT_EQ(vrdppo_create("cCageMoveCommentPersist", &comments.p, &st), 0);
   vrdppo_value withMissing[] = {str8("1=1"), str16(connect), missing()};
   EXPECT_EQ(vrdppo_invoke(comments.p, "Load", withMissing, 3, &r, &st), 0) << st.text();
-  vrdppo_value_clear(&r);  // a result is overwritten, not freed
+  vrdppo_value_clear(&r, nullptr);  // a result is overwritten, not freed
   EXPECT_EQ(vrdppo_invoke(comments.p, "Load", withMissing, 2, &r, &st), 0) << st.text();
-  vrdppo_value_clear(&r);
+  vrdppo_value_clear(&r, nullptr);
   vrdppo_value bad[] = {str8("1=1"), str16(connect), str8("x")};
   EXPECT_EQ(vrdppo_invoke(comments.p, "Load", bad, 3, &r, &st), err::kTypeMismatch);
   vrdppo_value tooMany[] = {str8("1=1"), str16(connect), str8("x")};
@@ -280,7 +282,7 @@ TEST(CInterfaceSession, ValuesArePerThread) {
   EXPECT_EQ(vrdppo_session_set(VRDPPO_SESSION_AUDIT_TRAIL_ID, &notANumber, &st),
             err::kTypeMismatch);
   EXPECT_EQ(vrdppo_session_set(42, &app, &st), err::kInvalidCall);
-  vrdppo_value_clear(&got);
+  vrdppo_value_clear(&got, nullptr);
   EXPECT_EQ(vrdppo_session_get(42, &got, &st), err::kInvalidCall);
   dbHelp::AppName.clear();
   dbHelp::AuditTrailId = 0;
@@ -299,4 +301,49 @@ TEST(CInterfaceValues, TextOfAValue) {
   EXPECT_STREQ(t, "h\xc3\xa9");
   vrdppo_free(t);
   EXPECT_EQ(vrdppo_value_text(nullptr, nullptr), nullptr);
+}
+
+// What a caller in another language gets wrong: a handle released twice or called after its
+// release, a string of its own handed to vrdppo_value_clear. Each is a status, never a crash.
+TEST(CInterfaceMisuse, HandlesAndStringsAreCheckedNotFollowed) {
+  Status st;
+  vrdppo_object* stems = nullptr;
+  ASSERT_EQ(vrdppo_create("cStemsPersist", &stems, &st), 0) << st.text();
+  const int32_t stemsClass = vrdppo_object_class(stems);
+  EXPECT_GE(stemsClass, 0);
+  ASSERT_EQ(vrdppo_release(stems, &st), 0) << st.text();
+
+  vrdppo_value r{};
+  vrdppo_object* strangers[] = {stems, reinterpret_cast<vrdppo_object*>(&r)};
+  for (vrdppo_object* stale : strangers) {
+    EXPECT_EQ(vrdppo_release(stale, &st), err::kInvalidCall);
+    EXPECT_NE(st.text().find("released"), std::string::npos) << st.text();
+    EXPECT_EQ(vrdppo_invoke(stale, "GetState", nullptr, 0, &r, &st), err::kInvalidCall);
+    EXPECT_NE(st.text().find("released"), std::string::npos) << st.text();
+    EXPECT_EQ(vrdppo_invoke_id(stale, 0x60030000, nullptr, 0, &r, &st), err::kInvalidCall);
+    EXPECT_EQ(vrdppo_object_class(stale), -1);
+  }
+  // A handle is never handed out again, so a stale one cannot reach the next object.
+  Object next;
+  ASSERT_EQ(vrdppo_create("cStemsPersist", &next.p, &st), 0);
+  EXPECT_EQ(vrdppo_invoke(stems, "GetState", nullptr, 0, &r, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_release(nullptr, &st), err::kInvalidCall);
+
+  // The caller's own strings, in a value of either kind, are refused and left as they are.
+  std::u16string mine16 = u"mine";
+  vrdppo_value own[] = {str8("mine"), str16(mine16)};
+  for (vrdppo_value& v : own) {
+    const vrdppo_value before = v;
+    EXPECT_EQ(vrdppo_value_clear(&v, &st), err::kInvalidCall);
+    EXPECT_NE(st.text().find("caller's"), std::string::npos) << st.text();
+    EXPECT_EQ(std::memcmp(&v, &before, sizeof v), 0);
+  }
+  // One the library handed out is freed once; the same bits again are refused.
+  ASSERT_EQ(vrdppo_invoke(next.p, "GetState", nullptr, 0, &r, &st), 0) << st.text();
+  const vrdppo_value copy = r;
+  EXPECT_EQ(vrdppo_value_clear(&r, &st), 0);
+  EXPECT_EQ(r.type, VRDPPO_EMPTY);
+  vrdppo_value again = copy;
+  EXPECT_EQ(vrdppo_value_clear(&again, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_value_clear(nullptr, &st), 0);
 }
