@@ -39,6 +39,9 @@ class ProviderConnection {
   // RecordsAffected); -1 when the provider cannot say.
   virtual std::int64_t recordsAffected() const noexcept { return -1; }
   virtual void setCommandTimeout(int seconds) = 0;
+  // Seconds a login may take before open fails, 0 for no limit; set before open. A provider
+  // without logins has nothing to bound.
+  virtual void setConnectionTimeout(int /*seconds*/) {}
   virtual void close() = 0;
 };
 
@@ -84,6 +87,10 @@ class Connection {
 
   void setCursorLocation(int location);
   void setCommandTimeout(int seconds);
+  // ConnectionTimeout: how long Open waits for a server's login, 0 for no limit. Unset, the
+  // provider's default holds (15 seconds for a server, or the connection string's
+  // "Connect Timeout").
+  void setConnectionTimeout(int seconds);
   void Open(const std::u16string& connect, const std::u16string& user = {},
             const std::u16string& password = {}, int options = adOptionUnspecified);
   std::shared_ptr<Recordset> Execute(const std::u16string& sql, int options = adOptionUnspecified);
@@ -105,6 +112,7 @@ class Connection {
   bool open_ = false;
   int cursorLocation_ = 0;  // 0: the provider's default
   int timeout_ = -1;        // -1: the provider's default
+  int loginTimeout_ = -1;   // -1: the provider's default
   std::int64_t recordsAffected_ = -1;
 };
 

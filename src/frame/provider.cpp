@@ -100,12 +100,18 @@ void Connection::setCommandTimeout(int seconds) {
   if (impl_) impl_->setCommandTimeout(seconds);
 }
 
+void Connection::setConnectionTimeout(int seconds) {
+  if (seconds < 0) throw Error::runtime(err::kInvalidCall);
+  loginTimeout_ = seconds;
+}
+
 void Connection::Open(const std::u16string& connect, const std::u16string& user,
                       const std::u16string& password, int options) {
   if (open_) throw Error::runtime(err::kInvalidCall);
   impl_ = providers::connect(connect);
   if (cursorLocation_ != 0) impl_->setCursorLocation(cursorLocation_);
   if (timeout_ >= 0) impl_->setCommandTimeout(timeout_);
+  if (loginTimeout_ >= 0) impl_->setConnectionTimeout(loginTimeout_);
   impl_->open(connect, user, password, options);
   open_ = true;
 }

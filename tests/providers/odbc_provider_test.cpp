@@ -311,6 +311,15 @@ TEST(OdbcProvider, FailsToOpenWithTheDriverManagersMessage) {
         "[unixODBC][Driver Manager]Data source name not found and no default driver specified"}},
       {u"DRIVER={vrdppo SQLite3};Database=/no-such-folder/x.db",
        {"HY000", 14, "[SQLite]connect failed"}},
+      // A login time-out that is no number of seconds is refused before any login.
+      {u"DRIVER={vrdppo SQLite3};Database=x.db;Connect Timeout=abc",
+       {"01S00", 0,
+        "[vrdppo.odbc] Invalid connection string attribute: Connect Timeout=abc is not a number "
+        "of seconds"}},
+      {u"DRIVER={vrdppo SQLite3};Connection Timeout=-1;Database=x.db",
+       {"01S00", 0,
+        "[vrdppo.odbc] Invalid connection string attribute: Connection Timeout=-1 is not a "
+        "number of seconds"}},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(toUtf8(k.connect));

@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 
 #include "providers/odbc/odbc_fetch.hpp"
 #include "providers/odbc/odbc_handles.hpp"
@@ -16,6 +19,12 @@ namespace {
 
 // The platform's connection object waits 30 seconds for a command unless told otherwise.
 constexpr int kDefaultCommandTimeout = 30;
+// ... and 15 for a login: a server that is stopped or unreachable fails the call in bounded time.
+constexpr int kDefaultLoginTimeout = 15;
+// The keys of a connection string that bound the login instead, as the platform's providers
+// spell them; like Pooling, they never reach the driver.
+constexpr std::array<std::u16string_view, 2> kLoginTimeoutKeys{u"Connect Timeout",
+                                                               u"Connection Timeout"};
 
 // A connection-string value, braced when it holds characters that would end or split it.
 std::u16string connectValue(std::u16string_view value) {
@@ -77,6 +86,28 @@ std::u16string withoutKey(std::u16string_view connect, std::u16string_view key) 
   return out;
 }
 
+// The login time-out a connection string asks for, or nothing when it names none.
+std::optional<int> loginTimeoutIn(std::u16string_view connect) {
+  for (const auto key : kLoginTimeoutKeys) {
+    const std::u16string value = connectionValue(connect, key);
+    if (value.empty()) continue;
+    const std::u16string_view digits = trimBlanks(value);
+    int seconds = 0;
+    const bool number = !digits.empty() && digits.size() <= 9 &&
+                        std::all_of(digits.begin(), digits.end(),
+                                    [](char16_t c) { return c >= u'0' && c <= u'9'; });
+    if (!number) {
+      throw Error(err::kProviderFailure,
+                  "[vrdppo.odbc] Invalid connection string attribute: " + toUtf8(key) + "=" +
+                      toUtf8(value) + " is not a number of seconds",
+                  kErrorSource, "01S00");
+    }
+    for (char16_t c : digits) seconds = seconds * 10 + (c - u'0');
+    return seconds;
+  }
+  return std::nullopt;
+}
+
 bool poolingRefused(std::u16string_view connect) {
   const auto value = connectionValue(connect, kPoolingKey);
   return equalsNoCase(value, u"No") || equalsNoCase(value, u"False") || value == u"0" ||
@@ -98,7 +129,12 @@ bool isLinkFailure(const Error& e, const Handle& dbc) {
 // native number kept.
 Error asLinkFailure(const Error& e) {
   if (e.sqlState().starts_with("08")) return e;
-  return Error(err::kProviderFailure, e.description(), e.source(), "08S01", e.nativeError());
+  // The driver's own text may say no more than "Unknown error".
+  return Error(err::kProviderFailure,
+               e.description() +
+                   "\n[vrdppo.odbc] The connection to the server was lost under the statement, "
+                   "which may or may not have run; it is not sent again.",
+               e.source(), "08S01", e.nativeError());
 }
 
 // The audit trail id this thread's last connection left in its session: the pool hands the next
@@ -119,12 +155,17 @@ class OdbcConnection final : public ProviderConnection {
 
   void setCommandTimeout(int seconds) override { timeout_ = seconds; }
 
+  void setConnectionTimeout(int seconds) override { loginTimeout_ = seconds; }
+
   // The options (asynchronous opening) have no meaning here.
   void open(const std::u16string& connect, const std::u16string& user,
             const std::u16string& password, int /*options*/) override {
     if (physical_) throw Error::runtime(err::kInvalidCall);
     pooled_ = pool::enabled() && !poolingRefused(connect);
-    key_ = withCredentials(withoutKey(connect, kPoolingKey), user, password);
+    if (const auto seconds = loginTimeoutIn(connect)) loginTimeout_ = *seconds;
+    std::u16string driverConnect = withoutKey(connect, kPoolingKey);
+    for (const auto key : kLoginTimeoutKeys) driverConnect = withoutKey(driverConnect, key);
+    key_ = withCredentials(driverConnect, user, password);
     dirty_ = {};
     if (pooled_) physical_ = pool::take(key_, tlsAuditTrailId);
     reused_ = physical_ != nullptr;
@@ -174,6 +215,10 @@ class OdbcConnection final : public ProviderConnection {
                         reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0),
           env, "SQLSetEnvAttr");
     Handle dbc(SQL_HANDLE_DBC, env.get());
+    check(SQLSetConnectAttrW(
+              dbc.get(), SQL_ATTR_LOGIN_TIMEOUT,
+              reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(loginTimeout_)), 0),
+          dbc, "SQLSetConnectAttrW");
     auto text = wide(key_);
     check(SQLDriverConnectW(dbc.get(), nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
                             SQL_DRIVER_NOPROMPT),
@@ -330,6 +375,7 @@ class OdbcConnection final : public ProviderConnection {
   Dirty dirty_;
   int cursorLocation_ = adUseClient;
   int timeout_ = kDefaultCommandTimeout;
+  int loginTimeout_ = kDefaultLoginTimeout;
   std::int64_t affected_ = -1;
 };
 
