@@ -205,6 +205,7 @@ void library(benchmark::State& state, Call call, bool pooled) {
   const std::u16string fresh = stemsState(0);
   const std::u16string existing = stemsState(1);
   Deletable deletable;
+  if (pooled) o.Load(u"STEMSID = 1", connect);  // the login, before the clock starts
   for (auto _ : state) {
     switch (call) {
       case Call::Load:
@@ -302,6 +303,9 @@ void BM_CallLoadByKeyThreads(benchmark::State& state) {
   if (skipped(state)) return;
   const std::u16string connect = connectFor(true);
   vrdppo::cStemsPersist o;
+  // Each thread's login made before the clock starts: kept sessions expire between
+  // repetitions, and eight logins at once would otherwise be what the figure measures.
+  o.Load(u"STEMSID = 1", connect);
   for (auto _ : state) benchmark::DoNotOptimize(o.Load(u"STEMSID = 1", connect).size());
   state.SetItemsProcessed(state.iterations());
 }

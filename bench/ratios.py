@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the benchmarks and prints each goal's ratio against its baseline from the same run.
 
-    bench/ratios.py [path/to/vrdppo_bench] [--repetitions N]
+    bench/ratios.py [path/to/vrdppo_bench] [--repetitions N] [--filter REGEX]
 
 Medians of N repetitions (7 unless told), the benchmarks interleaved in a random order so that a
 drift in the machine's speed falls on measurement and baseline alike. The T-SQL rows need
@@ -61,9 +61,10 @@ RATIOS = [
 ]
 
 
-def run(binary, repetitions):
+def run(binary, repetitions, pattern):
     out = subprocess.run(
         [binary, "--benchmark_format=json", f"--benchmark_repetitions={repetitions}",
+         f"--benchmark_filter={pattern}",
          "--benchmark_enable_random_interleaving=true",
          f"--benchmark_report_aggregates_only={'true' if repetitions > 1 else 'false'}"],
         check=True, stdout=subprocess.PIPE, text=True).stdout
@@ -94,14 +95,16 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("binary", nargs="?", default=DEFAULT_BINARY)
     parser.add_argument("--repetitions", type=int, default=7)
+    parser.add_argument("--filter", default=".",
+                        help="only the benchmarks whose names match (the rest: 'not run')")
     args = parser.parse_args()
-    medians, skipped = run(args.binary, args.repetitions)
+    medians, skipped = run(args.binary, args.repetitions, args.filter)
     print("| Ratio | Measured | Goal | Met |")
     print("|---|---|---|---|")
     for label, measured, baseline, goal, *clock in RATIOS:
         missing = [n for n in (measured, baseline) if n not in medians]
         if missing:
-            why = "; ".join(sorted({skipped.get(n, "not built") for n in missing}))
+            why = "; ".join(sorted({skipped.get(n, "not built or not run") for n in missing}))
             print(f"| {label} | {why} | {'-' if goal is None else f'<= {goal}'} | - |")
             continue
         clock = clock[0] if clock else "real"
@@ -115,6 +118,8 @@ def main():
         count = n.rsplit("threads:", 1)[-1] if "threads:" in n else "1"
         print(f"| (for reference) Load by key, {count} thread(s): calls per second | "
               f"{medians[n]['items']:.0f} | - | - |")
+    if args.filter != ".":
+        return 0
     ratio = peak(args.binary)
     print(f"| peak memory, Load of 1,000,000 STEMS / state size | {ratio:.2f}x | <= 1.5 | "
           f"{'yes' if ratio <= 1.5 else 'no'} |")
