@@ -119,6 +119,28 @@ TEST_F(Refusals, NoStatementChangesTheSchema) {
   EXPECT_EQ(scalar(u"SELECT COUNT(*) FROM pragma_table_info('STEMS')"), Variant(std::int32_t{6}));
 }
 
+// A Double beyond the largest, as the platform renders it, is no number a server keeps.
+TEST_F(Refusals, AFloatBeyondADoubleIsRefusedNotKeptAsInfinity) {
+  const std::u16string_view refused[] = {
+      u"UPDATE STEMS SET TotalNetWeight = 1.79769313486232E+308 WHERE StemsId = 1",
+      u"UPDATE STEMS SET TotalNetWeight = -1.79769313486232E+308 WHERE StemsId = 1",
+      u"SELECT * FROM STEMS WHERE TotalNetWeight < 1E309",
+  };
+  for (const auto sql : refused) {
+    const Error e = errorOf([&] { this->sql(sql); });
+    EXPECT_EQ(e.sqlState(), "42000") << toUtf8(sql);
+    EXPECT_EQ(e.nativeError(), 168) << toUtf8(sql) << ": " << e.description();
+    EXPECT_NE(e.description().find("out of the range of computer representation"),
+              std::string::npos)
+        << e.description();
+  }
+  EXPECT_EQ(scalar(u"SELECT SUM(TotalNetWeight) FROM STEMS"), Variant(4.5));
+  // The largest that rounds to a double, and one too small for any, are taken.
+  sql(u"UPDATE STEMS SET TotalNetWeight = 1.7976931348623E+308 WHERE StemsId = 1");
+  sql(u"UPDATE STEMS SET TotalNetWeight = 4.9E-330 WHERE StemsId = 2");
+  EXPECT_EQ(scalar(u"SELECT TotalNetWeight FROM STEMS WHERE StemsId = 2"), Variant(0.0));
+}
+
 }  // namespace
 
 }  // namespace vrdppo::embedded::testing

@@ -34,6 +34,7 @@ inline constexpr std::int32_t kNonBoolean = 4145;
 inline constexpr std::int32_t kCreateDenied = 262;
 inline constexpr std::int32_t kDropDenied = 3701;
 inline constexpr std::int32_t kAlterDenied = 1088;
+inline constexpr std::int32_t kFloatOutOfRange = 168;
 }  // namespace native
 
 // The name of the check that refuses a text longer than its column.

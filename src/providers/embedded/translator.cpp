@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "providers/embedded/condition.hpp"
@@ -14,6 +18,22 @@
 namespace vrdppo::embedded {
 
 namespace {
+
+// A float literal (one with an exponent) that no double holds is refused as a server refuses
+// it; SQLite would make it an infinity and keep it.
+void refuseFloatOutOfRange(std::u16string_view text) {
+  if (text.find_first_of(u"eE") == std::u16string_view::npos) return;
+  const std::string ascii = toUtf8(text);
+  errno = 0;
+  const double value = std::strtod(ascii.c_str(), nullptr);
+  if (!std::isinf(value) && errno != ERANGE) return;
+  // An underflow is a zero on a server too.
+  if (std::fabs(value) < 1.0) return;
+  throw storeError(err::kCommandError,
+                   "The floating point value '" + ascii +
+                       "' is out of the range of computer representation (8 bytes).",
+                   "42000", native::kFloatOutOfRange);
+}
 
 // Words that end a table reference in a FROM list rather than name its alias.
 constexpr std::array<std::u16string_view, 18> kNotAliases{
@@ -136,6 +156,7 @@ class Translator {
           space();
           break;
         case Tok::Number:
+          refuseFloatOutOfRange(text);
           out_ += text;
           break;
         case Tok::String:
