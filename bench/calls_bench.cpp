@@ -260,43 +260,6 @@ void held(benchmark::State& state, Call call) {
   state.SetItemsProcessed(state.iterations());
 }
 
-void BM_CallLoadByKey(benchmark::State& s) {
-  library(s, Call::Load, true);
-}
-void BM_CallCommitNew(benchmark::State& s) {
-  library(s, Call::CommitNew, true);
-}
-void BM_CallCommitExisting(benchmark::State& s) {
-  library(s, Call::CommitExisting, true);
-}
-void BM_CallDelete(benchmark::State& s) {
-  library(s, Call::Delete, true);
-}
-void BM_CallLoadByKeyUnpooled(benchmark::State& s) {
-  library(s, Call::Load, false);
-}
-void BM_CallCommitNewUnpooled(benchmark::State& s) {
-  library(s, Call::CommitNew, false);
-}
-void BM_CallCommitExistingUnpooled(benchmark::State& s) {
-  library(s, Call::CommitExisting, false);
-}
-void BM_CallDeleteUnpooled(benchmark::State& s) {
-  library(s, Call::Delete, false);
-}
-void BM_HeldLoadByKey(benchmark::State& s) {
-  held(s, Call::Load);
-}
-void BM_HeldCommitNew(benchmark::State& s) {
-  held(s, Call::CommitNew);
-}
-void BM_HeldCommitExisting(benchmark::State& s) {
-  held(s, Call::CommitExisting);
-}
-void BM_HeldDelete(benchmark::State& s) {
-  held(s, Call::Delete);
-}
-
 // Load by key from several threads at once, each with its own object, as a plant's workstations
 // would call: items per second are calls per second.
 void BM_CallLoadByKeyThreads(benchmark::State& state) {
@@ -310,21 +273,38 @@ void BM_CallLoadByKeyThreads(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 
+// Each call three ways: the library with kept sessions (BM_Call...), the same statements on a
+// held connection (BM_Held...), and the library with a login a call (BM_Call...Unpooled), where
+// a few dozen calls say what each costs.
+const int kRegistered = [] {
+  const struct {
+    const char* name;
+    Call call;
+  } calls[] = {{"LoadByKey", Call::Load},
+               {"CommitNew", Call::CommitNew},
+               {"CommitExisting", Call::CommitExisting},
+               {"Delete", Call::Delete}};
+  for (const auto& c : calls) {
+    const Call call = c.call;
+    const std::string name = c.name;
+    benchmark::RegisterBenchmark(("BM_Call" + name).c_str(),
+                                 [call](benchmark::State& s) { library(s, call, true); })
+        ->Unit(benchmark::kMicrosecond)
+        ->MinTime(1.0);
+    benchmark::RegisterBenchmark(("BM_Held" + name).c_str(),
+                                 [call](benchmark::State& s) { held(s, call); })
+        ->Unit(benchmark::kMicrosecond)
+        ->MinTime(1.0);
+    benchmark::RegisterBenchmark(("BM_Call" + name + "Unpooled").c_str(),
+                                 [call](benchmark::State& s) { library(s, call, false); })
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(20);
+  }
+  return 0;
+}();
+
 }  // namespace
 
-BENCHMARK(BM_CallLoadByKey)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_CallCommitNew)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_CallCommitExisting)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_CallDelete)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_HeldLoadByKey)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_HeldCommitNew)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_HeldCommitExisting)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-BENCHMARK(BM_HeldDelete)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-// A login a call: a few dozen calls say what each costs.
-BENCHMARK(BM_CallLoadByKeyUnpooled)->Unit(benchmark::kMillisecond)->Iterations(20);
-BENCHMARK(BM_CallCommitNewUnpooled)->Unit(benchmark::kMillisecond)->Iterations(20);
-BENCHMARK(BM_CallCommitExistingUnpooled)->Unit(benchmark::kMillisecond)->Iterations(20);
-BENCHMARK(BM_CallDeleteUnpooled)->Unit(benchmark::kMillisecond)->Iterations(20);
 BENCHMARK(BM_CallLoadByKeyThreads)
     ->Unit(benchmark::kMicrosecond)
     ->MinTime(1.0)

@@ -91,6 +91,18 @@ HandedStrings& handedStrings() {
   return *all;
 }
 
+// A string of a value handed out, known as such from here on; freed if even that fails.
+template <class T>
+T* handedOut(T* p) {
+  try {
+    handedStrings().add(p);
+  } catch (...) {
+    std::free(p);
+    throw;
+  }
+  return p;
+}
+
 using vrdppo::Error;
 using vrdppo::Variant;
 using vrdppo::VarType;
@@ -258,16 +270,10 @@ vrdppo_value string16Value(const std::u16string& s) {
   if (p == nullptr) throw std::bad_alloc();
   std::memcpy(p, s.data(), s.size() * sizeof(char16_t));
   p[s.size()] = 0;
-  try {
-    handedStrings().add(p);
-  } catch (...) {
-    std::free(p);
-    throw;
-  }
   vrdppo_value out{};
   out.type = VRDPPO_STRING16;
   out.length = static_cast<std::int32_t>(s.size());
-  out.u.str16 = p;
+  out.u.str16 = handedOut(p);
   return out;
 }
 
@@ -310,13 +316,7 @@ vrdppo_value toValue(const Variant& v) {
       const std::string& t = v.decimal().text;
       out.type = VRDPPO_DECIMAL;
       out.length = static_cast<std::int32_t>(t.size());
-      out.u.str8 = copyText(t);
-      try {
-        handedStrings().add(out.u.str8);
-      } catch (...) {
-        std::free(const_cast<char*>(out.u.str8));
-        throw;
-      }
+      out.u.str8 = handedOut(copyText(t));
       break;
     }
     case VarType::Missing:

@@ -56,8 +56,12 @@ std::u16string withCredentials(const std::u16string& connect, const std::u16stri
 // the platform's client libraries spell it; it never reaches the driver.
 constexpr std::u16string_view kPoolingKey = u"Pooling";
 
-// The connection string without the key, whatever its case or place.
-std::u16string withoutKey(std::u16string_view connect, std::u16string_view key) {
+// The keys that are the provider's own and never reach the driver.
+constexpr std::array<std::u16string_view, 3> kProviderKeys{kPoolingKey, kLoginTimeoutKeys[0],
+                                                           kLoginTimeoutKeys[1]};
+
+// The connection string without the provider's own keys, whatever their case or place.
+std::u16string forTheDriver(std::u16string_view connect) {
   std::u16string out;
   std::size_t i = 0;
   while (i < connect.size()) {
@@ -77,7 +81,9 @@ std::u16string withoutKey(std::u16string_view connect, std::u16string_view key) 
     }
     const std::u16string_view pair = connect.substr(i, end - i);
     const std::u16string_view name = trimBlanks(pair.substr(0, pair.find(u'=')));
-    if (!equalsNoCase(name, key)) {
+    const bool own = std::any_of(kProviderKeys.begin(), kProviderKeys.end(),
+                                 [&](std::u16string_view key) { return equalsNoCase(name, key); });
+    if (!own) {
       if (!out.empty()) out += u';';
       out += pair;
     }
@@ -93,16 +99,17 @@ std::optional<int> loginTimeoutIn(std::u16string_view connect) {
     if (value.empty()) continue;
     const std::u16string_view digits = trimBlanks(value);
     int seconds = 0;
-    const bool number = !digits.empty() && digits.size() <= 9 &&
-                        std::all_of(digits.begin(), digits.end(),
-                                    [](char16_t c) { return c >= u'0' && c <= u'9'; });
+    bool number = !digits.empty() && digits.size() <= 9;
+    for (std::size_t i = 0; number && i < digits.size(); ++i) {
+      number = digits[i] >= u'0' && digits[i] <= u'9';
+      seconds = seconds * 10 + (digits[i] - u'0');
+    }
     if (!number) {
       throw Error(err::kProviderFailure,
                   "[vrdppo.odbc] Invalid connection string attribute: " + toUtf8(key) + "=" +
                       toUtf8(value) + " is not a number of seconds",
                   kErrorSource, "01S00");
     }
-    for (char16_t c : digits) seconds = seconds * 10 + (c - u'0');
     return seconds;
   }
   return std::nullopt;
@@ -163,9 +170,7 @@ class OdbcConnection final : public ProviderConnection {
     if (physical_) throw Error::runtime(err::kInvalidCall);
     pooled_ = pool::enabled() && !poolingRefused(connect);
     if (const auto seconds = loginTimeoutIn(connect)) loginTimeout_ = *seconds;
-    std::u16string driverConnect = withoutKey(connect, kPoolingKey);
-    for (const auto key : kLoginTimeoutKeys) driverConnect = withoutKey(driverConnect, key);
-    key_ = withCredentials(driverConnect, user, password);
+    key_ = withCredentials(forTheDriver(connect), user, password);
     dirty_ = {};
     if (pooled_) physical_ = pool::take(key_, tlsAuditTrailId);
     reused_ = physical_ != nullptr;
