@@ -52,10 +52,13 @@ std::u16string stemClass(std::int32_t serial) {
   }
 }
 
+// Opened for writing, as the next process opens it: a kill in the middle of the switch to
+// write-ahead logging, which still writes through a rollback journal, leaves a hot journal that
+// a read-only connection may not roll back (SQLITE_READONLY_ROLLBACK), where every writer does.
 std::string integrityCheck(const std::string& path) {
   sqlite3* db = nullptr;
   std::string result = "cannot open";
-  if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+  if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
     sqlite3_stmt* st = nullptr;
     if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
         sqlite3_step(st) == SQLITE_ROW) {
