@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -27,25 +28,12 @@ class Pool : public ::testing::Test {
     const char* connect = std::getenv("VRDPPO_TSQL_CONNECT");
     if (connect == nullptr || *connect == '\0') return;
     admin_ = fromUtf8(connect);
-    database_ = u"vrdppo_pool_" + fromUtf8(std::to_string(::getpid()));
-    {
-      Connection c;
-      c.Open(admin_);
-      c.Execute(u"CREATE DATABASE " + database_);
-    }
-    server_ = tsql::withDatabase(admin_, database_);
-    tsql::runScript(server_, tsql::readSqlFile("schema.sql"));
-    tsql::runScript(server_, tsql::readSqlFile("procedures.sql"));
+    database_ = std::make_unique<tsql::PlantDatabase>(admin_, u"vrdppo_pool_");
+    server_ = database_->connect();
     tsql::runScript(server_, "CREATE TABLE Kept (a INT)");
   }
 
-  static void TearDownTestSuite() {
-    if (admin_.empty()) return;
-    odbc::releaseIdleConnections();
-    Connection c;
-    c.Open(admin_);
-    c.Execute(u"DROP DATABASE " + database_);
-  }
+  static void TearDownTestSuite() { database_.reset(); }
 
   void SetUp() override {
     if (admin_.empty()) GTEST_SKIP() << "VRDPPO_TSQL_CONNECT names no T-SQL server";
@@ -63,10 +51,12 @@ class Pool : public ::testing::Test {
   }
   static std::int32_t spid() { return toLong(first(u"SELECT @@SPID")); }
 
-  static std::u16string admin_, database_, server_;
+  static std::u16string admin_, server_;
+  static std::unique_ptr<tsql::PlantDatabase> database_;
 };
 
-std::u16string Pool::admin_, Pool::database_, Pool::server_;
+std::u16string Pool::admin_, Pool::server_;
+std::unique_ptr<tsql::PlantDatabase> Pool::database_;
 
 TEST_F(Pool, AGatewayCallLeavesItsSessionForTheNext) {
   const std::int32_t one = spid();

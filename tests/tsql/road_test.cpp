@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -115,15 +116,8 @@ class Road : public ::testing::Test {
     const char* connect = std::getenv("VRDPPO_TSQL_CONNECT");
     if (connect == nullptr || *connect == '\0') return;
     admin_ = fromUtf8(connect);
-    database_ = u"vrdppo_road_" + ascii(std::to_string(::getpid()));
-    {
-      Connection c;
-      c.Open(admin_);
-      c.Execute(u"CREATE DATABASE " + database_);
-    }
-    server_ = tsql::withDatabase(admin_, database_);
-    tsql::runScript(server_, tsql::readSqlFile("schema.sql"));
-    tsql::runScript(server_, tsql::readSqlFile("procedures.sql"));
+    database_ = std::make_unique<tsql::PlantDatabase>(admin_, u"vrdppo_road_");
+    server_ = database_->connect();
 
     const char* tmp = std::getenv("VRDPPO_TEST_TMP");
     const std::filesystem::path dir = tmp ? tmp : std::filesystem::temp_directory_path().string();
@@ -135,16 +129,7 @@ class Road : public ::testing::Test {
 
   static void TearDownTestSuite() {
     if (admin_.empty()) return;
-    try {
-      // A kept session holds the database in use, and the server refuses to drop it.
-      odbc::releaseIdleConnections();
-      Connection c;
-      c.Open(admin_);
-      c.Execute(u"DROP DATABASE " + database_);
-    } catch (const Error& e) {
-      std::fprintf(stderr, "could not drop %s: %s\n", toUtf8(database_).c_str(),
-                   e.description().c_str());
-    }
+    database_.reset();
     embedded::releaseStore(storePath_);
     for (const char* s : {"", "-wal", "-shm"}) std::filesystem::remove(storePath_ + s);
     std::printf(
@@ -222,13 +207,15 @@ class Road : public ::testing::Test {
     }
   }
 
-  static std::u16string admin_, database_, server_, store_;
+  static std::u16string admin_, server_, store_;
+  static std::unique_ptr<tsql::PlantDatabase> database_;
   static std::string storePath_;
   static int steps_, differences_, reordered_;
   static std::set<std::string> classesWalked_;
 };
 
-std::u16string Road::admin_, Road::database_, Road::server_, Road::store_;
+std::u16string Road::admin_, Road::server_, Road::store_;
+std::unique_ptr<tsql::PlantDatabase> Road::database_;
 std::string Road::storePath_;
 int Road::steps_ = 0, Road::differences_ = 0, Road::reordered_ = 0;
 std::set<std::string> Road::classesWalked_;

@@ -4,6 +4,12 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "vrdppo/error.hpp"
+#include "vrdppo/odbc_pool.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/text.hpp"
@@ -120,6 +126,29 @@ void runScript(const std::u16string& connect, const std::string& script) {
   c.Execute(u"SET QUOTED_IDENTIFIER ON");
   for (const auto& batch : tsql::batches(script)) c.Execute(fromUtf8(batch));
   c.Close();
+}
+
+PlantDatabase::PlantDatabase(const std::u16string& admin, const std::u16string& prefix)
+    : admin_(admin), name_(prefix + fromUtf8(std::to_string(::getpid()))) {
+  Connection c;
+  c.Open(admin_);
+  c.Execute(u"CREATE DATABASE " + name_);
+  c.Close();
+  connect_ = withDatabase(admin_, name_);
+  runScript(connect_, readSqlFile("schema.sql"));
+  runScript(connect_, readSqlFile("procedures.sql"));
+}
+
+PlantDatabase::~PlantDatabase() {
+  try {
+    // A kept session holds the database in use, and the server refuses to drop it.
+    odbc::releaseIdleConnections();
+    Connection c;
+    c.Open(admin_);
+    c.Execute(u"DROP DATABASE " + name_);
+  } catch (const Error& e) {
+    std::fprintf(stderr, "could not drop %s: %s\n", toUtf8(name_).c_str(), e.description().c_str());
+  }
 }
 
 }  // namespace vrdppo::tsql

@@ -25,4 +25,18 @@ std::u16string withDatabase(std::u16string connect, const std::u16string& databa
 // Runs a script's batches on one connection, quoted identifiers on.
 void runScript(const std::u16string& connect, const std::string& script);
 
+// A database of its own on the server that `admin` reaches, made from the committed scripts and
+// dropped with the object; its name is the prefix and the process id.
+class PlantDatabase {
+ public:
+  PlantDatabase(const std::u16string& admin, const std::u16string& prefix);
+  ~PlantDatabase();
+  PlantDatabase(const PlantDatabase&) = delete;
+  PlantDatabase& operator=(const PlantDatabase&) = delete;
+  const std::u16string& connect() const noexcept { return connect_; }
+
+ private:
+  std::u16string admin_, name_, connect_;
+};
+
 }  // namespace vrdppo::tsql

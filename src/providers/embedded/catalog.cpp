@@ -66,15 +66,27 @@ std::vector<std::string_view> splitColumns(std::string_view columns) {
 // A column as the store declares it: texts compare without regard to case and dates by their
 // moments, as on the server; a text longer than its declared length is refused, as the server
 // refuses it, though blanks at its end are let through (the server drops them).
+// The type word of a column definition, in upper case; empty when it has none.
+std::string typeOf(const std::string& up) {
+  const auto nameEnd = up.find(' ');
+  const auto typeStart = up.find_first_not_of(' ', nameEnd);
+  if (typeStart == std::string::npos) return {};
+  const auto typeEnd = up.find_first_of(" (", typeStart);
+  return up.substr(typeStart,
+                   typeEnd == std::string::npos ? std::string::npos : typeEnd - typeStart);
+}
+
+bool isDateType(const std::string& type) {
+  return type == "DATETIME" || type == "DATE" || type == "SMALLDATETIME";
+}
+
 std::string storeDefinition(std::string_view definition) {
   std::string def(definition);
   const std::string up = upper(definition);
   const auto nameEnd = up.find(' ');
-  const auto typeStart = up.find_first_not_of(' ', nameEnd);
-  if (typeStart == std::string::npos) return def;
-  const auto typeEnd = up.find_first_of(" (", typeStart);
-  const std::string type =
-      up.substr(typeStart, typeEnd == std::string::npos ? std::string::npos : typeEnd - typeStart);
+  const std::string type = typeOf(up);
+  if (type.empty()) return def;
+  const auto typeEnd = up.find_first_of(" (", up.find(type, nameEnd));
   if (type == "VARCHAR" || type == "NVARCHAR" || type == "CHAR" || type == "NCHAR" ||
       type == "TEXT" || type == "NTEXT") {
     if (up.find(" COLLATE ") == std::string::npos) def += " COLLATE NOCASE";
@@ -86,8 +98,7 @@ std::string storeDefinition(std::string_view definition) {
                def.substr(0, nameEnd) + ", ' ')) <= " + size + ")";
       }
     }
-  } else if ((type == "DATETIME" || type == "DATE" || type == "SMALLDATETIME") &&
-             up.find(" COLLATE ") == std::string::npos) {
+  } else if (isDateType(type) && up.find(" COLLATE ") == std::string::npos) {
     def += " COLLATE VDATE";
   }
   return def;
@@ -119,7 +130,7 @@ void Catalog::mix(std::string_view text) noexcept {
 }
 
 void Catalog::table(std::string name, std::string_view columns) {
-  Table t{name, {}};
+  Table t{name, {}, {}};
   Declared d{std::move(name), {}};
   mix(t.name);
   for (auto def : splitColumns(columns)) {
@@ -127,7 +138,9 @@ void Catalog::table(std::string name, std::string_view columns) {
     t.columns.emplace_back(std::string(def.substr(0, space)), storeDefinition(def));
     d.columns.emplace_back(t.columns.back().first, std::string(def));
     mix(t.columns.back().second);
+    if (isDateType(typeOf(upper(def)))) t.dates.push_back(t.columns.back().first);
   }
+  if (!t.dates.empty()) mix(kDateRangeFunction);
   tables_.push_back(std::move(t));
   declared_.push_back(std::move(d));
 }
@@ -177,6 +190,23 @@ void Catalog::apply(sqlite3* db) const {
       if (!existing.contains(upper(column)))
         run(db, "ALTER TABLE " + t.name + " ADD COLUMN " + def);
     }
+  }
+  // A datetime column holds 1753-01-01 to 9999-12-31 on a server. Triggers rather than checks,
+  // so that stores made before them gain them too.
+  for (const auto& t : tables_) {
+    if (t.dates.empty()) continue;
+    std::string values;
+    std::string columns;
+    for (const auto& c : t.dates) {
+      values += (values.empty() ? "NEW." : ", NEW.") + c;
+      columns += (columns.empty() ? "" : ", ") + c;
+    }
+    const std::string body = " ON " + t.name + " BEGIN SELECT " + std::string(kDateRangeFunction) +
+                             "(" + values + "); END";
+    run(db, "DROP TRIGGER IF EXISTS vr_dates_insert_" + t.name);
+    run(db, "CREATE TRIGGER vr_dates_insert_" + t.name + " BEFORE INSERT" + body);
+    run(db, "DROP TRIGGER IF EXISTS vr_dates_update_" + t.name);
+    run(db, "CREATE TRIGGER vr_dates_update_" + t.name + " BEFORE UPDATE OF " + columns + body);
   }
   for (const auto& [name, select] : views_) {
     std::string ddl = "CREATE VIEW ";

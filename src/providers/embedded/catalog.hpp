@@ -58,6 +58,7 @@ class Catalog {
   struct Table {
     std::string name;
     std::vector<std::pair<std::string, std::string>> columns;  // name, full definition
+    std::vector<std::string> dates;                            // the date columns' names
   };
   void mix(std::string_view text) noexcept;
 

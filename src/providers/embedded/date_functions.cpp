@@ -13,6 +13,7 @@
 
 #include "frame/calendar.hpp"
 #include "providers/embedded/dates.hpp"
+#include "providers/embedded/errors.hpp"
 #include "providers/embedded/functions.hpp"
 
 namespace vrdppo::embedded {
@@ -444,6 +445,32 @@ void fnConvert(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
   resultError(ctx, "Type " + type + " is not a defined system type.");
 }
 
+// The date columns of a row being written: each NULL or a moment a datetime holds
+// (1753-01-01 to 9999-12-31); raises the server's out-of-range error for any other date. A text
+// that reads as no date is left to the column's reader.
+void fnDateRange(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
+  for (int i = 0; i < argc; ++i) {
+    sqlite3_value* v = argv[i];
+    std::optional<Moment> m;
+    switch (sqlite3_value_type(v)) {
+      case SQLITE_NULL:
+        continue;
+      case SQLITE_TEXT:
+        m = parseMoment(textOf(v));
+        if (!m) continue;
+        break;
+      default:
+        m = momentOfDate(sqlite3_value_double(v));
+        break;
+    }
+    const int year = m ? civilOf(*m).year : 0;
+    if (year < 1753 || year > 9999) {
+      return resultError(ctx, std::string(kDateOutOfRangeMessage));
+    }
+  }
+  sqlite3_result_int(ctx, 1);
+}
+
 }  // namespace
 
 int registerDateFunctions(sqlite3* db) {
@@ -460,12 +487,19 @@ int registerDateFunctions(sqlite3* db) {
     bool pure;
   };
   const Def defs[] = {
-      {"getdate", 0, fnNow, nullptr, false},       {"sysdatetime", 0, fnNow, nullptr, false},
-      {"getutcdate", 0, fnNow, &utcMark, false},   {"year", 1, fnFixedPart, &kYear, true},
-      {"month", 1, fnFixedPart, &kMonth, true},    {"day", 1, fnFixedPart, &kDay, true},
-      {"datepart", 2, fnDatePart, nullptr, true},  {"datename", 2, fnDateName, nullptr, true},
-      {"dateadd", 3, fnDateAdd, nullptr, true},    {"datediff", 3, fnDateDiff, nullptr, true},
-      {"vr_convert", 2, fnConvert, nullptr, true}, {"vr_convert", 3, fnConvert, nullptr, true},
+      {"getdate", 0, fnNow, nullptr, false},
+      {"sysdatetime", 0, fnNow, nullptr, false},
+      {"getutcdate", 0, fnNow, &utcMark, false},
+      {"year", 1, fnFixedPart, &kYear, true},
+      {"month", 1, fnFixedPart, &kMonth, true},
+      {"day", 1, fnFixedPart, &kDay, true},
+      {"datepart", 2, fnDatePart, nullptr, true},
+      {"datename", 2, fnDateName, nullptr, true},
+      {"dateadd", 3, fnDateAdd, nullptr, true},
+      {"datediff", 3, fnDateDiff, nullptr, true},
+      {"vr_convert", 2, fnConvert, nullptr, true},
+      {"vr_convert", 3, fnConvert, nullptr, true},
+      {kDateRangeFunction.data(), -1, fnDateRange, nullptr, true},
   };
   for (const auto& d : defs) {
     const int flags = SQLITE_UTF8 | (d.pure ? SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS : 0);

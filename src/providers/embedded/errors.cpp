@@ -34,6 +34,8 @@ Class classify(int extended, std::string_view message) {
       if (startsWith(message, "parser stack overflow") ||
           startsWith(message, "Expression tree is too large"))
         return {err::kCommandError, "42000", native::kNestedTooDeeply};
+      if (startsWith(message, kDateOutOfRangeMessage))
+        return {err::kCommandError, "22007", native::kDateOutOfRange};
       if (startsWith(message, "Conversion failed"))
         return {err::kCommandError, "22018", native::kConversion};
       if (message.find("syntax error") != std::string_view::npos ||

@@ -35,10 +35,17 @@ inline constexpr std::int32_t kCreateDenied = 262;
 inline constexpr std::int32_t kDropDenied = 3701;
 inline constexpr std::int32_t kAlterDenied = 1088;
 inline constexpr std::int32_t kFloatOutOfRange = 168;
+inline constexpr std::int32_t kDateOutOfRange = 242;
 }  // namespace native
 
 // The name of the check that refuses a text longer than its column.
 inline constexpr std::string_view kTruncatedConstraint = "vr_truncated";
+
+// The function that refuses a date outside a datetime column's range, as a server does.
+inline constexpr std::string_view kDateRangeFunction = "vr_datetime";
+inline constexpr std::string_view kDateOutOfRangeMessage =
+    "The conversion of a varchar data type to a datetime data type resulted in an out-of-range "
+    "value.";
 
 // An error of the store: the prefix, then the message.
 Error storeError(std::int32_t number, std::string_view message, std::string sqlState,

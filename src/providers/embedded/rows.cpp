@@ -85,6 +85,10 @@ Variant cell(sqlite3_stmt* st, int i, Kind kind) {
     default: {
       const unsigned char* p = sqlite3_column_text(st, i);
       const int n = sqlite3_column_bytes(st, i);
+      // A money value beyond a double's digits, kept as the blob of its exact digits.
+      if (kind == Kind::Money && sqlite3_column_type(st, i) == SQLITE_BLOB) {
+        return Variant(toCurrency(Variant(widen(p, n))));
+      }
       if (kind == Kind::Date) {
         if (auto d = storedDate({reinterpret_cast<const char*>(p), static_cast<std::size_t>(n)})) {
           return Variant(*d);

@@ -35,6 +35,31 @@ void refuseFloatOutOfRange(std::u16string_view text) {
                    "42000", native::kFloatOutOfRange);
 }
 
+// A decimal literal with more significant digits than a double keeps (a Currency at its
+// limits has 19), as the exact value in the form "[-]digits e exponent"; nothing when a double
+// holds it. SQLite would read it as the nearest double.
+std::string exactDecimal(std::u16string_view text, bool negative) {
+  if (text.find_first_of(u"eE") != std::u16string_view::npos) return {};
+  std::string digits;
+  int exponent = 0;
+  bool point = false;
+  for (char16_t c : text) {
+    if (c == u'.') {
+      point = true;
+    } else {
+      if (!(digits.empty() && c == u'0')) digits += static_cast<char>(c);
+      if (point) --exponent;
+    }
+  }
+  while (!digits.empty() && digits.back() == '0') {
+    digits.pop_back();
+    ++exponent;
+  }
+  // An integer literal is an exact integer to SQLite already, or a float for a server too.
+  if (!point || digits.size() <= 15) return {};
+  return (negative ? "-" : "") + digits + "e" + std::to_string(exponent);
+}
+
 // Words that end a table reference in a FROM list rather than name its alias.
 constexpr std::array<std::u16string_view, 18> kNotAliases{
     u"INNER", u"LEFT",  u"RIGHT",  u"FULL",  u"OUTER",     u"CROSS",  u"JOIN",   u"ON",  u"WHERE",
@@ -88,6 +113,10 @@ class Translator {
 
   std::u16string run(std::size_t begin, std::size_t end) {
     const std::size_t first = t_.skip(begin, end);
+    if (t_.isWord(first, u"INSERT")) {
+      exactBegin_ = findTopLevel(t_, first + 1, end, u"VALUES");
+      exactEnd_ = end;
+    }
     caseless_ = t_.isWord(first, u"SELECT") || t_.isWord(first, u"UPDATE") ||
                 t_.isWord(first, u"DELETE") || t_.isWord(first, u"INSERT") ||
                 t_.isWord(first, u"WITH") || t_.isPunct(first, u'(');
@@ -138,6 +167,53 @@ class Translator {
     while (!out_.empty() && out_.back() == u' ') out_.pop_back();
   }
 
+  std::size_t previous(std::size_t i, std::size_t begin) const {
+    while (i > begin) {
+      --i;
+      if (t_[i].kind != Tok::Space && t_[i].kind != Tok::Comment) return i;
+    }
+    return kNone;
+  }
+
+  // A value written into a column (INSERT's VALUES, UPDATE's SET) that a double cannot hold is
+  // written as a blob of its exact digits: a money column's numeric affinity leaves a blob as
+  // it is, and the row reader takes the Currency from it exactly, as a server keeps it. Only
+  // a literal standing as a whole value, signed or not, is taken this way; arithmetic and
+  // comparisons read a blob's text as the number it spells.
+  bool exactValue(std::size_t i, std::size_t begin, std::size_t end) {
+    if (i < exactBegin_ || i >= exactEnd_) return false;
+    std::size_t before = previous(i, begin);
+    bool negative = false;
+    if (before != kNone && t_.isPunct(before, u'-')) {
+      negative = true;
+      before = previous(before, begin);
+    }
+    if (before == kNone ||
+        !(t_.isPunct(before, u'(') || t_.isPunct(before, u',') || t_.isPunct(before, u'='))) {
+      return false;
+    }
+    const std::size_t after = t_.skip(i + 1, end);
+    if (after < end && !t_.isPunct(after, u',') && !t_.isPunct(after, u')') &&
+        t_[after].kind != Tok::Word) {
+      return false;
+    }
+    const std::string exact = exactDecimal(t_.text(i), negative);
+    if (exact.empty()) return false;
+    if (negative) {
+      trimBlank();
+      if (out_.empty() || out_.back() != u'-') return false;
+      out_.pop_back();  // the sign, which the blob carries
+    }
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    out_ += u"X'";
+    for (unsigned char c : exact) {
+      out_ += static_cast<char16_t>(kHex[c >> 4]);
+      out_ += static_cast<char16_t>(kHex[c & 15]);
+    }
+    out_ += u'\'';
+    return true;
+  }
+
   void emit(std::size_t begin, std::size_t end) {
     std::vector<Frame> frames{{kNone}};
     std::size_t parensEnd = 0;  // the first token after the run of "(" last looked at
@@ -157,7 +233,7 @@ class Translator {
           break;
         case Tok::Number:
           refuseFloatOutOfRange(text);
-          out_ += text;
+          if (!exactValue(i, begin, end)) out_ += text;
           break;
         case Tok::String:
           out_ += text;
@@ -522,7 +598,9 @@ class Translator {
     }
     const std::size_t from = findTopLevel(t_, set + 1, end, u"FROM");
     const std::size_t where = findTopLevel(t_, from < end ? from + 1 : set + 1, end, u"WHERE");
-    dropSetQualifiers(set + 1, from < end ? from : where);
+    exactBegin_ = set + 1;
+    exactEnd_ = from < end ? from : where;
+    dropSetQualifiers(set + 1, exactEnd_);
     std::size_t target = t_.skip(first + 1, set);
     if (target < set && isSchemaPrefix(target)) target = t_.skip(target + 2, set);
     if (from >= end || target >= set || !isNameToken(target)) {
@@ -571,6 +649,8 @@ class Translator {
   std::u16string out_;
   std::u16string renameFrom_;  // an alias of the UPDATE's target, written as the table
   std::u16string renameTo_;
+  std::size_t exactBegin_ = 0;  // the tokens of the values written into columns
+  std::size_t exactEnd_ = 0;
 };
 
 }  // namespace
