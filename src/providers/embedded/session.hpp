@@ -73,6 +73,8 @@ class Session {
   void note(std::string_view sqlite);
   void note(std::u16string_view firstWord);
 
+  // First, so that it ends last: the connection is handed back before a fork may go on.
+  StoreActivity activity_;
   std::string path_;
   StoreConnectionPtr connection_;
   bool reusable_ = true;

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <mutex>
 #include <string_view>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -34,17 +35,57 @@ struct Files {
   void closeAll() { byPath.clear(); }
 };
 
+// The connections in use in the process, and whether a fork is waiting for them to end.
+struct Gate {
+  std::mutex mutex;
+  int active = 0;
+  bool forking = false;
+};
+
+Gate& gate() {
+  static Gate g;
+  return g;
+}
+
+thread_local int activityDepth = 0;
+
+// Polled rather than signalled: a condition variable with waiters that the fork leaves behind
+// cannot be used in the child.
+void pause(std::unique_lock<std::mutex>& lock) {
+  lock.unlock();
+  std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  lock.lock();
+}
+
 Files& files() {
   static Files f;
 #if defined(__unix__) || defined(__APPLE__)
-  // A SQLite connection must not cross a fork: the parent closes what it keeps before forking,
-  // and each process opens its own again on its next statement.
+  // A SQLite connection must not cross a fork: the parent waits for the connections in use and
+  // closes what it keeps before forking, and each process opens its own again on its next
+  // statement. The gate stays shut across the fork, so that no connection opens meanwhile.
   static const int registered = pthread_atfork(
       [] {
+        Gate& g = gate();
+        std::unique_lock lock(g.mutex);
+        g.forking = true;
+        const int mine = activityDepth > 0 ? 1 : 0;
+        const auto until =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(kForkWaitMs);
+        while (g.active > mine && std::chrono::steady_clock::now() < until) pause(lock);
+        lock.release();
         files().mutex.lock();
         files().closeAll();
       },
-      [] { files().mutex.unlock(); }, [] { files().mutex.unlock(); });
+      [] {
+        files().mutex.unlock();
+        gate().forking = false;
+        gate().mutex.unlock();
+      },
+      [] {
+        files().mutex.unlock();
+        gate().forking = false;
+        gate().mutex.unlock();
+      });
   (void)registered;
 #endif
   return f;
@@ -233,6 +274,22 @@ void releaseConnection(const std::string& path, StoreConnectionPtr db, bool reus
   if (it != f.byPath.end() && it->second.idle.size() < kIdleConnections) {
     it->second.idle.push_back(std::move(db));
   }
+}
+
+StoreActivity::StoreActivity() {
+  if (activityDepth++ > 0) return;
+  files();  // the fork handlers registered before the first connection counts
+  Gate& g = gate();
+  std::unique_lock lock(g.mutex);
+  while (g.forking) pause(lock);
+  ++g.active;
+}
+
+StoreActivity::~StoreActivity() {
+  if (--activityDepth > 0) return;
+  Gate& g = gate();
+  std::lock_guard lock(g.mutex);
+  --g.active;
 }
 
 void forgetStore(const std::string& path) {

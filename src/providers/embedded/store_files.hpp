@@ -49,6 +49,23 @@ StoreConnectionPtr acquireConnection(const std::string& path, const Session* ses
 // tables, no changed settings), closed otherwise.
 void releaseConnection(const std::string& path, StoreConnectionPtr connection, bool reusable);
 
+// A connection of the store in use by a session, from its opening to its release. A fork waits
+// for those of other threads to end and closes every other connection of the process first: a
+// connection that crosses into the child, though its thread is not there, leaves SQLite's
+// memory of the file saying that the process holds locks it does not hold in the child, so that
+// the child's own connections either wait on them or, worse, hold no real lock at all and let
+// another process checkpoint the log under their writes. Nested ones in a thread count once.
+class StoreActivity {
+ public:
+  StoreActivity();
+  ~StoreActivity();
+  StoreActivity(const StoreActivity&) = delete;
+  StoreActivity& operator=(const StoreActivity&) = delete;
+};
+
+// How long a fork waits for other threads' connections before it goes on regardless.
+inline constexpr int kForkWaitMs = kBusyTimeoutMs;
+
 // Closes what the process keeps on path and forgets that the file was prepared.
 void forgetStore(const std::string& path);
 
