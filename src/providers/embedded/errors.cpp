@@ -73,10 +73,11 @@ Class classify(int extended, std::string_view message) {
     case SQLITE_NOTADB:
     case SQLITE_PERM:
       return {err::kProviderFailure, "08001", 0};
+    case SQLITE_READONLY:
+      return {err::kCommandError, "42000", native::kReadOnlyDatabase};
     case SQLITE_IOERR:
     case SQLITE_CORRUPT:
     case SQLITE_FULL:
-    case SQLITE_READONLY:
     case SQLITE_NOMEM:
       return {err::kProviderFailure, "HY000", 0};
     default:
@@ -111,6 +112,13 @@ Error sqliteError(sqlite3* db, int rc) {
         "its schema.";
   } else if (c.nativeError == native::kTruncated) {
     message = "String or binary data would be truncated.";
+  }
+  if (c.nativeError == native::kReadOnlyDatabase) {
+    const char* file = db ? sqlite3_db_filename(db, "main") : nullptr;
+    return storeError(c.number,
+                      "Failed to update database \"" + std::string(file ? file : "") +
+                          "\" because the database is read-only. (" + std::string(message) + ")",
+                      c.sqlState, c.nativeError);
   }
   return storeError(c.number, message, c.sqlState, c.nativeError ? c.nativeError : extended);
 }

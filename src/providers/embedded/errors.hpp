@@ -36,6 +36,7 @@ inline constexpr std::int32_t kDropDenied = 3701;
 inline constexpr std::int32_t kAlterDenied = 1088;
 inline constexpr std::int32_t kFloatOutOfRange = 168;
 inline constexpr std::int32_t kDateOutOfRange = 242;
+inline constexpr std::int32_t kReadOnlyDatabase = 3906;
 }  // namespace native
 
 // The name of the check that refuses a text longer than its column.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <mutex>
 #include <string_view>
 #include <thread>
@@ -26,6 +27,7 @@ namespace {
 struct StoreFile {
   StoreConnectionPtr anchor;             // never used for statements: keeps the WAL index alive
   std::vector<StoreConnectionPtr> idle;  // connections a finished statement handed back
+  std::string readOnly;  // the name it is opened by for reading where it cannot be written
 };
 
 struct Files {
@@ -91,10 +93,48 @@ Files& files() {
   return f;
 }
 
+// A UTF-8 file name as the file system's own (wide on Windows).
+std::filesystem::path fileOf(const std::string& path) {
+  return {std::u8string(reinterpret_cast<const char8_t*>(path.data()), path.size())};
+}
+
+bool exists(const std::string& path) {
+  std::error_code ec;
+  return std::filesystem::exists(fileOf(path), ec);
+}
+
 [[noreturn]] void failOpen(sqlite3* db, const std::string& path, int rc) {
   std::string message = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
   message += " (Data Source=" + path + ")";
+  if ((rc & 0xff) == SQLITE_CANTOPEN && !exists(path)) {
+    message += ": the file does not exist and cannot be created in its folder";
+  }
   throw openError(message, db ? sqlite3_extended_errcode(db) : rc);
+}
+
+// What the store answers where it cannot write its files, rather than open them for writing.
+bool isReadOnlyFailure(int rc) {
+  const int primary = rc & 0xff;
+  return primary == SQLITE_READONLY || primary == SQLITE_CANTOPEN || primary == SQLITE_PERM;
+}
+
+// A file name as a SQLite URI, for the parameters that a plain name cannot carry.
+std::string uriOf(const std::string& path) {
+  std::string uri = "file:";
+  if (path.size() > 1 && path[1] == ':') uri += '/';  // a drive letter
+  for (const char c : path) {
+    if (c == '\\') {
+      uri += '/';
+    } else if (c == '%' || c == '?' || c == '#') {
+      static constexpr char kHex[] = "0123456789ABCDEF";
+      uri += '%';
+      uri += kHex[static_cast<unsigned char>(c) >> 4];
+      uri += kHex[c & 15];
+    } else {
+      uri += c;
+    }
+  }
+  return uri;
 }
 
 std::int32_t userVersion(sqlite3* db) {
@@ -197,12 +237,16 @@ int switchToWal(sqlite3* db) {
 
 }  // namespace
 
-StoreConnectionPtr openConnection(const std::string& path, const Session* session) {
+StoreConnectionPtr openConnection(const std::string& path, const Session* session,
+                                  const std::string& readOnly) {
   auto connection = std::make_unique<StoreConnection>();
   connection->session = session;
   sqlite3* raw = nullptr;
-  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-  int rc = sqlite3_open_v2(path.c_str(), &raw, flags, nullptr);
+  const int flags = !readOnly.empty()
+                        ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX
+                        : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  int rc =
+      sqlite3_open_v2(readOnly.empty() ? path.c_str() : readOnly.c_str(), &raw, flags, nullptr);
   connection->db.reset(raw);  // a failed open still hands back a handle to close
   if (rc != SQLITE_OK) failOpen(raw, path, rc);
   rc = sqlite3_extended_result_codes(raw, 1);
@@ -211,13 +255,55 @@ StoreConnectionPtr openConnection(const std::string& path, const Session* sessio
   if (rc == SQLITE_OK) rc = sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   if (rc == SQLITE_OK) rc = sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   if (rc == SQLITE_OK) rc = registerFunctions(raw, &connection->session);
-  if (rc == SQLITE_OK)
+  if (rc == SQLITE_OK && readOnly.empty())
     rc = sqlite3_exec(raw, "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
   // The connection that prepares the file sets it up; every other one runs statements.
   if (rc == SQLITE_OK && session) rc = sqlite3_set_authorizer(raw, confineToTheFile, nullptr);
   if (rc != SQLITE_OK) failOpen(raw, path, rc);
   return connection;
 }
+
+namespace {
+
+// The set-up of a file that can be written: write-ahead logging and the current schema. False
+// where the file or its folder turns out to be read-only.
+bool setUpForWriting(sqlite3* db, const std::string& path) {
+  if (sqlite3_db_readonly(db, "main") == 1) return false;
+  const int rc = switchToWal(db);
+  if (rc != SQLITE_OK) {
+    if (isReadOnlyFailure(rc) && exists(path)) return false;
+    failOpen(db, path, rc);
+  }
+  try {
+    applySchema(db, path);
+  } catch (const Error&) {
+    if (isReadOnlyFailure(sqlite3_extended_errcode(db)) && exists(path)) return false;
+    throw;
+  }
+  return true;
+}
+
+// A store in write-ahead logging mode is read through its log and the log's index, which SQLite
+// makes beside the file. Read-only, it is read so where the index exists or can be made, which
+// keeps to the locks of processes that may still write it; otherwise, when its log holds
+// nothing, as immutable: no locks and no index, which is right where no one can write it
+// either. `name` becomes the name it was opened by.
+StoreConnectionPtr openForReading(const std::string& path, std::string& name) {
+  name = uriOf(path) + "?mode=ro";
+  try {
+    auto connection = openConnection(path, nullptr, name);
+    (void)userVersion(connection->db.get());  // the first read opens the log and its index
+    return connection;
+  } catch (const Error& e) {
+    std::error_code ec;
+    const auto log = std::filesystem::file_size(fileOf(path + "-wal"), ec);
+    if (!isReadOnlyFailure(e.nativeError()) || (!ec && log > 0)) throw;
+  }
+  name = uriOf(path) + "?immutable=1";
+  return openConnection(path, nullptr, name);
+}
+
+}  // namespace
 
 void prepareStore(const std::string& path, bool recheck) {
   Files& f = files();
@@ -229,29 +315,43 @@ void prepareStore(const std::string& path, bool recheck) {
       f.byPath.erase(it);
     }
   }
-  StoreConnectionPtr setup = openConnection(path, nullptr);
-  sqlite3* db = setup->db.get();
-  const int rc = switchToWal(db);
-  if (rc != SQLITE_OK) failOpen(db, path, rc);
-  applySchema(db, path);
+  StoreConnectionPtr setup;
+  try {
+    setup = openConnection(path, nullptr, {});
+  } catch (const Error& e) {
+    // SQLite refuses to open a file it can only read where its log could not be made.
+    if (!isReadOnlyFailure(e.nativeError()) || !exists(path)) throw;
+  }
+  std::string readOnly;
+  if (!setup || !setUpForWriting(setup->db.get(), path)) {
+    // Read as it stands: its schema is whatever it was made with.
+    setup = openForReading(path, readOnly);
+  }
   std::lock_guard lock(f.mutex);
   StoreFile& file = f.byPath[path];
-  if (!file.anchor) file.anchor = std::move(setup);  // else another thread was first
+  if (!file.anchor) {  // else another thread was first
+    file.anchor = std::move(setup);
+    file.readOnly = readOnly;
+  }
 }
 
 StoreConnectionPtr acquireConnection(const std::string& path, const Session* session) {
   prepareStore(path);
   StoreConnectionPtr db;
+  std::string readOnly;
   {
     Files& f = files();
     std::lock_guard lock(f.mutex);
     const auto it = f.byPath.find(path);
-    if (it != f.byPath.end() && !it->second.idle.empty()) {
-      db = std::move(it->second.idle.back());
-      it->second.idle.pop_back();
+    if (it != f.byPath.end()) {
+      readOnly = it->second.readOnly;
+      if (!it->second.idle.empty()) {
+        db = std::move(it->second.idle.back());
+        it->second.idle.pop_back();
+      }
     }
   }
-  if (!db) return openConnection(path, session);
+  if (!db) return openConnection(path, session, readOnly);
   // What a fresh connection would show: no last insert, this session's audit trail id.
   sqlite3_set_last_insert_rowid(db->db.get(), 0);
   db->session = session;

@@ -27,14 +27,17 @@ struct StoreConnection {
 using StoreConnectionPtr = std::unique_ptr<StoreConnection>;
 
 // A connection on path with the busy timeout, the dialect's functions and durable commits;
-// without a session, the connection that sets the file up. Raises the provider-failure error.
-StoreConnectionPtr openConnection(const std::string& path, const Session* session);
+// without a session, the connection that sets the file up. `readOnly`, when not empty, is the
+// name (a URI) that opens a file which cannot be written, or whose folder cannot, for reading.
+// Raises the provider-failure error.
+StoreConnectionPtr openConnection(const std::string& path, const Session* session,
+                                  const std::string& readOnly);
 
 // Makes the file at path ready: created with the current schema, or brought up to date, in WAL
-// mode. The first call per process per file does the work and keeps one idle connection open on
-// the file, so that the per-statement connections neither checkpoint nor rebuild the WAL index
-// on every close and open; later calls only look the path up. With recheck, the work is done
-// again.
+// mode; where the file or its folder is read-only, opened for reading as it stands. The first call
+// per process per file does the work and keeps one idle connection open on the file, so that the
+// per-statement connections neither checkpoint nor rebuild the WAL index on every close and open;
+// later calls only look the path up. With recheck, the work is done again.
 void prepareStore(const std::string& path, bool recheck = false);
 
 // Connections are pooled per file, as a driver manager pools a server's connections: a
