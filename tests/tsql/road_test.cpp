@@ -233,8 +233,8 @@ TEST_F(Road, SchemaAndProceduresLoad) {
   EXPECT_EQ(toLong(views->Fields(std::size_t{0})),
             static_cast<std::int32_t>(embedded::storeCatalog().views().size()));
   for (const auto& name : embedded::storeCatalog().procedureNames()) {
-    const auto found =
-        c.Execute(u"SELECT COUNT(*) FROM sys.procedures WHERE UPPER(name) = '" + name + u"'");
+    const auto found = c.Execute(
+        u"SELECT COUNT(*) FROM sys.procedures WHERE UPPER(name) = UPPER('" + name + u"')");
     EXPECT_EQ(toLong(found->Fields(std::size_t{0})), 1) << toUtf8(name) << " is missing";
   }
 }

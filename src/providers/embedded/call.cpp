@@ -60,7 +60,7 @@ const Variant& ProcArgs::get(std::size_t position, std::u16string_view name) con
                    "42000", native::kMissingParameter);
 }
 
-void ProcArgs::expect(std::initializer_list<std::u16string_view> parameters) const {
+void ProcArgs::expect(const std::vector<std::u16string>& parameters) const {
   if (args_.size() > parameters.size()) {
     throw storeError(
         err::kCommandError,
@@ -70,7 +70,7 @@ void ProcArgs::expect(std::initializer_list<std::u16string_view> parameters) con
   for (const auto& a : args_) {
     if (a.name.empty()) continue;
     bool known = false;
-    for (auto p : parameters) known = known || equalsNoCase(p, a.name);
+    for (const auto& p : parameters) known = known || equalsNoCase(p, a.name);
     if (!known) {
       throw storeError(
           err::kCommandError,

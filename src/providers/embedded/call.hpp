@@ -36,7 +36,7 @@ class ProcArgs {
   const Variant& get(std::size_t position, std::u16string_view name) const;
   // Raises the server's errors for more arguments than the parameters named here, or for an
   // @name that is none of them.
-  void expect(std::initializer_list<std::u16string_view> parameters) const;
+  void expect(const std::vector<std::u16string>& parameters) const;
 
  private:
   std::u16string procedure_;

@@ -156,18 +156,21 @@ void Catalog::statement(std::string sql) {
   statements_.push_back(std::move(sql));
 }
 
-void Catalog::procedure(std::u16string_view name, Procedure body) {
-  procedures_[upperAscii(name)] = std::move(body);
+void Catalog::procedure(std::u16string_view name,
+                        std::initializer_list<std::u16string_view> parameters, Procedure body) {
+  StoredProcedure p{std::u16string(name), {}, std::move(body)};
+  for (const auto parameter : parameters) p.parameters.emplace_back(parameter);
+  procedures_[upperAscii(name)] = std::move(p);
 }
 
 std::vector<std::u16string> Catalog::procedureNames() const {
   std::vector<std::u16string> names;
-  for (const auto& [name, body] : procedures_) names.push_back(name);
+  for (const auto& [key, p] : procedures_) names.push_back(p.name);
   std::sort(names.begin(), names.end());
   return names;
 }
 
-const Procedure* Catalog::findProcedure(std::u16string_view name) const {
+const Catalog::StoredProcedure* Catalog::findProcedure(std::u16string_view name) const {
   const auto it = procedures_.find(upperAscii(name));
   return it == procedures_.end() ? nullptr : &it->second;
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -35,10 +36,17 @@ class Catalog {
   // Any other schema statement (an index, a trigger), run after the tables and views whenever
   // the schema changes: it must tolerate running again (IF NOT EXISTS).
   void statement(std::string sql);
-  // A stored procedure, found by name without regard to case.
-  void procedure(std::u16string_view name, Procedure body);
+  // A stored procedure, found by name without regard to case, with its parameters (names
+  // without "@") in order: a call is held to them before the body runs.
+  void procedure(std::u16string_view name, std::initializer_list<std::u16string_view> parameters,
+                 Procedure body);
 
-  const Procedure* findProcedure(std::u16string_view name) const;
+  struct StoredProcedure {
+    std::u16string name;  // as declared
+    std::vector<std::u16string> parameters;
+    Procedure body;
+  };
+  const StoredProcedure* findProcedure(std::u16string_view name) const;
   // The declarations as written, for whoever states the same schema in another dialect.
   struct Declared {
     std::string name;
@@ -47,6 +55,7 @@ class Catalog {
   const std::vector<Declared>& tables() const noexcept { return declared_; }
   const std::vector<std::pair<std::string, std::string>>& views() const noexcept { return views_; }
   const std::vector<std::string>& statements() const noexcept { return statements_; }
+  // Names as declared, in order.
   std::vector<std::u16string> procedureNames() const;
 
   // A number that changes with the schema text; stores record the one they were built for.
@@ -66,7 +75,7 @@ class Catalog {
   std::vector<Declared> declared_;
   std::vector<std::pair<std::string, std::string>> views_;
   std::vector<std::string> statements_;
-  std::unordered_map<std::u16string, Procedure> procedures_;  // by upper-case name
+  std::unordered_map<std::u16string, StoredProcedure> procedures_;  // by upper-case name
   std::uint32_t hash_ = 2166136261u;
   std::int32_t stamp_ = 1;
 };

@@ -8,7 +8,6 @@ namespace {
 
 // Keeps the alert in CAGEALERT, where whoever is to be told finds it.
 std::shared_ptr<Recordset> sendAlert(Session& session, const ProcArgs& args) {
-  args.expect({u"p_AlertId", u"p_CageId"});
   session.run(
       "INSERT INTO CAGEALERT (AlertId, CageId, AlertTS) "
       "VALUES (?1, ?2, strftime('%Y/%m/%d %H:%M:%S', 'now', 'localtime'))",
@@ -21,7 +20,6 @@ std::shared_ptr<Recordset> sendAlert(Session& session, const ProcArgs& args) {
 // become the grade and weight that went out. Then the movement is marked executed. A movement
 // already executed, or one that does not exist, is left alone.
 std::shared_ptr<Recordset> postCageMovement(Session& session, const ProcArgs& args) {
-  args.expect({u"p_CageMovementId"});
   const Variant& key = args.get(0, u"p_CageMovementId");
   session.transaction([&] {
     const auto movement = session.run(
@@ -166,8 +164,8 @@ void addCagesCatalog(Catalog& c) {
     LEFT JOIN CAGESTATUS sf ON sf.CAGESTATUSID = l.FromStatusId
     LEFT JOIN CAGESTATUS st ON st.CAGESTATUSID = l.ToStatusId)");
 
-  c.procedure(u"qsp_SendAlert", sendAlert);
-  c.procedure(u"sp_PostCageMovement", postCageMovement);
+  c.procedure(u"qsp_SendAlert", {u"p_AlertId", u"p_CageId"}, sendAlert);
+  c.procedure(u"sp_PostCageMovement", {u"p_CageMovementId"}, postCageMovement);
 
   c.statement("CREATE INDEX IF NOT EXISTS IX_CAGECONTENT_CAGE ON CAGECONTENT (CageId)");
   c.statement("CREATE INDEX IF NOT EXISTS IX_CAGELOG_MOVEMENT ON CAGELOG (CageMovementId)");

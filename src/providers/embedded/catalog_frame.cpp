@@ -9,7 +9,6 @@ namespace {
 // @p_Stmt holds an INSERT; it runs on the caller's connection, and the one row answered names
 // the key the store gave the new row (Null when the statement inserted nothing).
 std::shared_ptr<Recordset> insertStatement(Session& session, const ProcArgs& args) {
-  args.expect({u"p_Stmt"});
   const Variant& stmt = args.get(0, u"p_Stmt");
   auto result = std::make_shared<Recordset>(std::vector<std::u16string>{u"Identity"});
   if (stmt.isNull()) {
@@ -32,7 +31,6 @@ std::shared_ptr<Recordset> insertStatement(Session& session, const ProcArgs& arg
 // The id stays with the connection; SQL reads it as audittrailid(), so that a trigger can stamp
 // the rows a statement writes with it.
 std::shared_ptr<Recordset> setAuditTrailId(Session& session, const ProcArgs& args) {
-  args.expect({u"p_AuditTrailID"});
   const Variant& id = args.get(0, u"p_AuditTrailID");
   session.setAuditTrailId(id.isNull() ? 0 : toLong(id));
   return nullptr;
@@ -41,9 +39,9 @@ std::shared_ptr<Recordset> setAuditTrailId(Session& session, const ProcArgs& arg
 }  // namespace
 
 void addFrameCatalog(Catalog& c) {
-  c.procedure(u"sp_InsertStatement", insertStatement);
-  c.procedure(u"qsp_InsertStatement", insertStatement);
-  c.procedure(u"ZZ_SetAuditTrailID", setAuditTrailId);
+  c.procedure(u"sp_InsertStatement", {u"p_Stmt"}, insertStatement);
+  c.procedure(u"qsp_InsertStatement", {u"p_Stmt"}, insertStatement);
+  c.procedure(u"ZZ_SetAuditTrailID", {u"p_AuditTrailID"}, setAuditTrailId);
 }
 
 }  // namespace vrdppo::embedded

@@ -24,7 +24,6 @@ void addToInventory(Session& s, const Variant& grade, const Variant& uom, double
 // receipt that names a target grade, moves from the grade to the target. One transaction, so
 // that a failure posts nothing. The contact is taken and not used by this store.
 std::shared_ptr<Recordset> postGreenReceipts(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ContactId"});
   (void)args.get(0, u"p_ContactId");
   session.transaction([&] {
     const auto rs = session.run(
@@ -189,7 +188,7 @@ void addGreenLeafCatalog(Catalog& c) {
     LEFT JOIN COMPANY c ON c.CompanyId = g.CompanyId
     WHERE COALESCE(ca.DeletedFlag, 'N') <> 'Y')");
 
-  c.procedure(u"sp_PostGreenReceipts", postGreenReceipts);
+  c.procedure(u"sp_PostGreenReceipts", {u"p_ContactId"}, postGreenReceipts);
 
   c.statement(
       "CREATE INDEX IF NOT EXISTS IX_GREENINVENTORY_GRADE ON GREENINVENTORY (GreenGradeId)");

@@ -58,7 +58,6 @@ bool firstLong(const std::shared_ptr<Recordset>& rs, std::int32_t& out) {
 // Intermediate notes: for each production grade of the company with ordinary samples of the
 // season in the span, one note row of type 'ITD' that counts them, in each sample family.
 std::shared_ptr<Recordset> createIntermediateNotes(Session& s, const ProcArgs& args) {
-  args.expect({u"p_Season", u"p_CompanyID", u"p_FromDate", u"p_ToDate"});
   const std::int32_t season = longArg(args, 0, u"p_Season");
   const std::int32_t company = longArg(args, 1, u"p_CompanyID");
   const std::u16string from = textArg(args, 2, u"p_FromDate");
@@ -84,7 +83,6 @@ std::shared_ptr<Recordset> createIntermediateNotes(Session& s, const ProcArgs& a
 // linked by its sum rows to each ordinary sample of the season not yet in an advice note, and
 // one LABADVICENOTE row under the next number for the packed cases noted.
 std::shared_ptr<Recordset> createAdviceNotes(Session& s, const ProcArgs& args) {
-  args.expect({u"p_CompanyID", u"p_Season"});
   const std::int32_t company = longArg(args, 0, u"p_CompanyID");
   const std::int32_t season = longArg(args, 1, u"p_Season");
   s.transaction([&] {
@@ -132,15 +130,13 @@ std::shared_ptr<Recordset> createAdviceNotes(Session& s, const ProcArgs& args) {
 }
 
 // Synchronising cuts every advice note off; the season, when given, changes nothing here.
-std::shared_ptr<Recordset> syncAdvice(Session& s, const ProcArgs& args) {
-  args.expect({u"p_Season"});
+std::shared_ptr<Recordset> syncAdvice(Session& s, const ProcArgs&) {
   s.run("UPDATE LABADVICENOTE SET CutOff = 'Y'");
   return noRows();
 }
 
 // The lock lives in ForeignCount: granted once, while it is Null; 1 when granted, else 0.
 std::shared_ptr<Recordset> lockHeader(Session& s, const ProcArgs& args) {
-  args.expect({u"p_LabHeaderId"});
   const std::int32_t id = longArg(args, 0, u"p_LabHeaderId");
   s.run("UPDATE LABHEADER SET ForeignCount = 1 WHERE LABHEADERID = ? AND ForeignCount IS NULL",
         {Variant(id)});
@@ -149,7 +145,6 @@ std::shared_ptr<Recordset> lockHeader(Session& s, const ProcArgs& args) {
 
 // A blank status lifts the hold of a container; any other puts it on hold with that type.
 std::shared_ptr<Recordset> onHoldCheck(Session& s, const ProcArgs& args) {
-  args.expect({u"p_GradeID", u"p_ContainerNumber", u"p_Status", u"p_UserID"});
   const std::int32_t grade = longArg(args, 0, u"p_GradeID");
   const std::int32_t container = longArg(args, 1, u"p_ContainerNumber");
   const std::u16string status = textArg(args, 2, u"p_Status");
@@ -169,7 +164,6 @@ std::shared_ptr<Recordset> onHoldCheck(Session& s, const ProcArgs& args) {
 
 // A container counts as prized once a packed sample of its grade has been taken from it.
 std::shared_ptr<Recordset> containerPrized(Session& s, const ProcArgs& args) {
-  args.expect({u"p_GradeID", u"p_ContainerNumber"});
   return s.run(
       "SELECT CASE WHEN EXISTS (SELECT 1 FROM LABPACKED WHERE ProductionGradeId = ? AND "
       "ContainerNumber = ?) THEN 1 ELSE 0 END AS RetVal",
@@ -241,43 +235,38 @@ std::shared_ptr<Recordset> sampleExists(Session& s, const char* table, const cha
 }  // namespace
 
 void addLabProcedures(Catalog& c) {
-  c.procedure(u"qsp_LabCreateIntermediateNotes", createIntermediateNotes);
-  c.procedure(u"qsp_LabCreateAdviceNotes", createAdviceNotes);
-  c.procedure(u"qsp_LabSyncAdvice", syncAdvice);
-  c.procedure(u"qsp_LabLockHeader", lockHeader);
-  c.procedure(u"qsp_OnHoldCheck", onHoldCheck);
-  c.procedure(u"qsp_ContainerPrized", containerPrized);
-  c.procedure(u"qsp_LabAddPacked", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_PackedID"});
+  c.procedure(u"qsp_LabCreateIntermediateNotes",
+              {u"p_Season", u"p_CompanyID", u"p_FromDate", u"p_ToDate"}, createIntermediateNotes);
+  c.procedure(u"qsp_LabCreateAdviceNotes", {u"p_CompanyID", u"p_Season"}, createAdviceNotes);
+  c.procedure(u"qsp_LabSyncAdvice", {u"p_Season"}, syncAdvice);
+  c.procedure(u"qsp_LabLockHeader", {u"p_LabHeaderId"}, lockHeader);
+  c.procedure(u"qsp_OnHoldCheck", {u"p_GradeID", u"p_ContainerNumber", u"p_Status", u"p_UserID"},
+              onHoldCheck);
+  c.procedure(u"qsp_ContainerPrized", {u"p_GradeID", u"p_ContainerNumber"}, containerPrized);
+  c.procedure(u"qsp_LabAddPacked", {u"p_PackedID"}, [](Session& s, const ProcArgs& a) {
     return countSample(s, "LABPACKED", "LABPACKEDID", longArg(a, 0, u"p_PackedID"), kPackedCounts,
                        1, 1);
   });
-  c.procedure(u"qsp_LabRemovePacked", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_PackedID"});
+  c.procedure(u"qsp_LabRemovePacked", {u"p_PackedID"}, [](Session& s, const ProcArgs& a) {
     return countSample(s, "LABPACKED", "LABPACKEDID", longArg(a, 0, u"p_PackedID"), kPackedCounts,
                        -1, 1);
   });
-  c.procedure(u"qsp_LabAddDegradation", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_DegradationID"});
+  c.procedure(u"qsp_LabAddDegradation", {u"p_DegradationID"}, [](Session& s, const ProcArgs& a) {
     return countSample(s, "LABDEGRADATION", "LABDEGRADATIONID", longArg(a, 0, u"p_DegradationID"),
                        kDegradationCounts, 1, 1);
   });
   // A sample that is gone already answers -2: there is nothing left to remove.
-  c.procedure(u"qsp_LabRemoveDegradation", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_DegradationID"});
+  c.procedure(u"qsp_LabRemoveDegradation", {u"p_DegradationID"}, [](Session& s, const ProcArgs& a) {
     return countSample(s, "LABDEGRADATION", "LABDEGRADATIONID", longArg(a, 0, u"p_DegradationID"),
                        kDegradationCounts, -1, -2);
   });
-  c.procedure(u"qsp_LabAddStemLength", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_LabStemLengthID"});
+  c.procedure(u"qsp_LabAddStemLength", {u"p_LabStemLengthID"}, [](Session& s, const ProcArgs& a) {
     return sampleExists(s, "LABSTEMLENGTH", "LABSTEMLENGTHID", longArg(a, 0, u"p_LabStemLengthID"));
   });
-  c.procedure(u"qsp_LabAddInfraalyzer", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_InfraalyzerID"});
+  c.procedure(u"qsp_LabAddInfraalyzer", {u"p_InfraalyzerID"}, [](Session& s, const ProcArgs& a) {
     return sampleExists(s, "LABINFRAALYZER", "LABINFRAALYZERID", longArg(a, 0, u"p_InfraalyzerID"));
   });
-  c.procedure(u"qsp_LabRemoveInfraalyzer", [](Session& s, const ProcArgs& a) {
-    a.expect({u"p_InfraalyzerID"});
+  c.procedure(u"qsp_LabRemoveInfraalyzer", {u"p_InfraalyzerID"}, [](Session& s, const ProcArgs& a) {
     return sampleExists(s, "LABINFRAALYZER", "LABINFRAALYZERID", longArg(a, 0, u"p_InfraalyzerID"));
   });
 }

@@ -49,7 +49,6 @@ bool runExists(Session& session, std::int32_t run) {
 
 // Posting marks the run as posted ("P"); the security profile and the mode are accepted.
 std::shared_ptr<Recordset> postProductionRun(Session& session, const ProcArgs& args) {
-  args.expect({u"p_SecurityProfileId", u"p_ProductionRunId", u"p_OldMode"});
   const Variant& run = args.get(1, u"p_ProductionRunId");
   session.run("UPDATE PRODUCTIONRUN SET Status = 'P' WHERE PRODUCTIONRUNID = ?",
               {Variant(run.isNull() ? 0 : toLong(run))});
@@ -58,7 +57,6 @@ std::shared_ptr<Recordset> postProductionRun(Session& session, const ProcArgs& a
 
 // RetVal 0 when the run may go; otherwise 1 and the reason in ErrorText.
 std::shared_ptr<Recordset> canDeleteProductionRun(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId"});
   const std::int32_t run = runArg(args);
   std::u16string reason;
   if (!runExists(session, run)) {
@@ -81,7 +79,6 @@ std::shared_ptr<Recordset> canDeleteProductionRun(Session& session, const ProcAr
 
 // The run and everything that hangs from it, by-product tests included, in one transaction.
 std::shared_ptr<Recordset> zapProductionRun(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId"});
   const Variant run(runArg(args));
   session.transaction([&] {
     session.run(
@@ -99,7 +96,6 @@ std::shared_ptr<Recordset> zapProductionRun(Session& session, const ProcArgs& ar
 
 // Stages the run for prizing ("S"); ErrorCode 0, or 1 for a run that does not exist.
 std::shared_ptr<Recordset> prizingCreateHeaderStage(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId"});
   const std::int32_t run = runArg(args);
   if (!runExists(session, run)) return oneRow({u"ErrorCode"}, {Variant(1)});
   session.run("UPDATE PRODUCTIONRUN SET PrizingStatus = 'S' WHERE PRODUCTIONRUNID = ?",
@@ -109,7 +105,6 @@ std::shared_ptr<Recordset> prizingCreateHeaderStage(Session& session, const Proc
 
 // With no swap the run takes the next sequence; else it swaps sequences with run lSwapId.
 std::shared_ptr<Recordset> prizingAssignRunSequence(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId", u"p_SwapId"});
   const Variant run(runArg(args));
   const Variant& swapArg = args.get(1, u"p_SwapId");
   const Variant swap(swapArg.isNull() ? 0 : toLong(swapArg));
@@ -143,7 +138,6 @@ std::shared_ptr<Recordset> prizingAssignRunSequence(Session& session, const Proc
 
 // A run whose scanning is complete is done ("D"); otherwise it stays as it is.
 std::shared_ptr<Recordset> prizingSynchRunStatus(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId"});
   session.run(
       "UPDATE PRODUCTIONRUN SET PrizingStatus = 'D' "
       "WHERE PRODUCTIONRUNID = ? AND ScanningComplete = 'Y'",
@@ -152,7 +146,6 @@ std::shared_ptr<Recordset> prizingSynchRunStatus(Session& session, const ProcArg
 }
 
 std::shared_ptr<Recordset> prizingReleaseRun(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId"});
   session.run("UPDATE PRODUCTIONRUN SET PrizingStatus = 'R' WHERE PRODUCTIONRUNID = ?",
               {Variant(runArg(args))});
   return none();
@@ -160,7 +153,6 @@ std::shared_ptr<Recordset> prizingReleaseRun(Session& session, const ProcArgs& a
 
 // Closes the run's prizing ("C") and its scanning; the station and the flags are accepted.
 std::shared_ptr<Recordset> prizingCloseRun(Session& session, const ProcArgs& args) {
-  args.expect({u"p_ProductionRunId", u"p_StationId", u"p_Close", u"p_Force"});
   session.run(
       "UPDATE PRODUCTIONRUN SET PrizingStatus = 'C', ScanningComplete = 'Y' "
       "WHERE PRODUCTIONRUNID = ?",
@@ -169,8 +161,7 @@ std::shared_ptr<Recordset> prizingCloseRun(Session& session, const ProcArgs& arg
 }
 
 // 1 while any run is in a grade change ("G"), else 0.
-std::shared_ptr<Recordset> prizingGradeChangeInProgress(Session& session, const ProcArgs& args) {
-  args.expect({});
+std::shared_ptr<Recordset> prizingGradeChangeInProgress(Session& session, const ProcArgs&) {
   return session.run(
       "SELECT CASE WHEN EXISTS (SELECT 1 FROM PRODUCTIONRUN WHERE PrizingStatus = 'G') "
       "THEN 1 ELSE 0 END AS InProgress");
@@ -193,8 +184,7 @@ std::shared_ptr<Recordset> generateProcResultsReport(Session& session, const Pro
 
 // The laboratory's share of the report lies with the laboratory's tables; here it answers
 // nothing.
-std::shared_ptr<Recordset> labProcessingResults(Session&, const ProcArgs& args) {
-  args.expect({u"p_Season", u"p_Companies", u"p_FromDate", u"p_ToDate"});
+std::shared_ptr<Recordset> labProcessingResults(Session&, const ProcArgs&) {
   return none();
 }
 
@@ -531,17 +521,22 @@ void addProductionCatalog(Catalog& c) {
     LEFT JOIN PRODUCTIONGRADE p ON p.PRODUCTIONGRADEID = pg.ProductionGradeId
     LEFT JOIN GREENGRADE gg ON gg.GREENGRADEID = pg.GreenGradeId)");
 
-  c.procedure(u"sp_PostProductionRun", postProductionRun);
-  c.procedure(u"qsp_CanDeleteProductionRun", canDeleteProductionRun);
-  c.procedure(u"qsp_ZapProductionRun", zapProductionRun);
-  c.procedure(u"qsp_PrizingCreateHeaderStage", prizingCreateHeaderStage);
-  c.procedure(u"qsp_PrizingAssignRunSequence", prizingAssignRunSequence);
-  c.procedure(u"qsp_PrizingSynchRunStatus", prizingSynchRunStatus);
-  c.procedure(u"qsp_PrizingReleaseRun", prizingReleaseRun);
-  c.procedure(u"qsp_PrizingCloseRun", prizingCloseRun);
-  c.procedure(u"qsp_PrizingGradeChangeInProgress", prizingGradeChangeInProgress);
-  c.procedure(u"sp_GenerateProcResultsReport", generateProcResultsReport);
-  c.procedure(u"qsp_LabProcessingResults", labProcessingResults);
+  c.procedure(u"sp_PostProductionRun", {u"p_SecurityProfileId", u"p_ProductionRunId", u"p_OldMode"},
+              postProductionRun);
+  c.procedure(u"qsp_CanDeleteProductionRun", {u"p_ProductionRunId"}, canDeleteProductionRun);
+  c.procedure(u"qsp_ZapProductionRun", {u"p_ProductionRunId"}, zapProductionRun);
+  c.procedure(u"qsp_PrizingCreateHeaderStage", {u"p_ProductionRunId"}, prizingCreateHeaderStage);
+  c.procedure(u"qsp_PrizingAssignRunSequence", {u"p_ProductionRunId", u"p_SwapId"},
+              prizingAssignRunSequence);
+  c.procedure(u"qsp_PrizingSynchRunStatus", {u"p_ProductionRunId"}, prizingSynchRunStatus);
+  c.procedure(u"qsp_PrizingReleaseRun", {u"p_ProductionRunId"}, prizingReleaseRun);
+  c.procedure(u"qsp_PrizingCloseRun",
+              {u"p_ProductionRunId", u"p_StationId", u"p_Close", u"p_Force"}, prizingCloseRun);
+  c.procedure(u"qsp_PrizingGradeChangeInProgress", {}, prizingGradeChangeInProgress);
+  c.procedure(u"sp_GenerateProcResultsReport",
+              {u"p_Season", u"p_CompanyID", u"p_FromDate", u"p_ToDate"}, generateProcResultsReport);
+  c.procedure(u"qsp_LabProcessingResults",
+              {u"p_Season", u"p_Companies", u"p_FromDate", u"p_ToDate"}, labProcessingResults);
 
   for (const char* table :
        {"PRODUCTIONRUNGRADE", "PICKINGS", "BYPRODUCTS", "STEMS", "PRODUCTIONRUNTARGET",

@@ -33,7 +33,6 @@ std::u16string sortCondition(const Variant& criteria) {
 // Moves one row a place up (-1) or down (1) among the rows the criteria select, by swapping
 // SortSequence with its neighbour there; at either end nothing moves.
 std::shared_ptr<Recordset> adjustSortSequence(Session& session, const ProcArgs& args) {
-  args.expect({u"p_Table", u"p_Id", u"p_Increment", u"p_Criteria"});
   const std::u16string table = sortTable(args.get(0, u"p_Table"));
   const std::u16string key = longText(toLong(args.get(1, u"p_Id")));
   const std::int32_t step = toLong(args.get(2, u"p_Increment"));
@@ -64,7 +63,6 @@ std::shared_ptr<Recordset> adjustSortSequence(Session& session, const ProcArgs& 
 // Opens a place at a position ('I...': the rows from there move down one) or closes it ('D...':
 // the rows behind it move up one), among the rows the criteria select.
 std::shared_ptr<Recordset> insertDeleteAtSortSequence(Session& session, const ProcArgs& args) {
-  args.expect({u"p_Table", u"p_SortSequence", u"p_Action", u"p_Criteria"});
   const std::u16string table = sortTable(args.get(0, u"p_Table"));
   const std::u16string at = longText(toLong(args.get(1, u"p_SortSequence")));
   const Variant& actionArg = args.get(2, u"p_Action");
@@ -87,8 +85,7 @@ std::shared_ptr<Recordset> insertDeleteAtSortSequence(Session& session, const Pr
 
 // The green inventory is the green-leaf tables' business; here the calls are accepted and
 // answer nothing.
-std::shared_ptr<Recordset> createInventory(Session&, const ProcArgs& args) {
-  args.expect({});
+std::shared_ptr<Recordset> createInventory(Session&, const ProcArgs&) {
   return std::make_shared<Recordset>();
 }
 
@@ -294,10 +291,13 @@ void addReferenceCatalog(Catalog& c) {
     LEFT JOIN COMPANY c ON c.CompanyId = b.CompanyId
     LEFT JOIN GRADE g ON g.GradeId = b.GradeId)");
 
-  c.procedure(u"qspsys_AdjustSortSequence", adjustSortSequence);
-  c.procedure(u"qspsys_InsertDeleteAtSortSequence", insertDeleteAtSortSequence);
-  c.procedure(u"qsp_CreateGreenInventory", createInventory);
-  c.procedure(u"qsp_CreatecbGreenInventory", createInventory);
+  c.procedure(u"qspsys_AdjustSortSequence", {u"p_Table", u"p_Id", u"p_Increment", u"p_Criteria"},
+              adjustSortSequence);
+  c.procedure(u"qspsys_InsertDeleteAtSortSequence",
+              {u"p_Table", u"p_SortSequence", u"p_Action", u"p_Criteria"},
+              insertDeleteAtSortSequence);
+  c.procedure(u"qsp_CreateGreenInventory", {}, createInventory);
+  c.procedure(u"qsp_CreatecbGreenInventory", {}, createInventory);
 
   c.statement("CREATE INDEX IF NOT EXISTS IX_GRADE_COMPANY ON GRADE (CompanyId)");
   c.statement("CREATE INDEX IF NOT EXISTS IX_BYPRODUCTSTYPE_COMPANY ON BYPRODUCTSTYPE (CompanyId)");

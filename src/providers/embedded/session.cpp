@@ -210,13 +210,14 @@ void Session::exec(std::string_view sqlite) {
 }
 
 std::shared_ptr<Recordset> Session::call(const ProcArgs& args) {
-  const Procedure* procedure = storeCatalog().findProcedure(args.procedure());
+  const auto* procedure = storeCatalog().findProcedure(args.procedure());
   if (!procedure) {
     throw storeError(err::kCommandError,
                      "Could not find stored procedure '" + toUtf8(args.procedure()) + "'.", "42000",
                      native::kUnknownProcedure);
   }
-  auto result = (*procedure)(*this, args);
+  args.expect(procedure->parameters);
+  auto result = procedure->body(*this, args);
   return result ? result : std::make_shared<Recordset>();
 }
 
