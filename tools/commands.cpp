@@ -1,10 +1,13 @@
 #include "commands.hpp"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <iterator>
 #include <stdexcept>
+#include <string_view>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -15,6 +18,7 @@
 #include "vrdppo/error.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/render.hpp"
+#include "vrdppo/schema_check.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo::cli {
@@ -463,6 +467,18 @@ int remove(const Options& o, std::ostream& out) {
   requireEffect(info, "Delete", *object, registry::invoke(*object, "Delete", args));
   out << "deleted\n";
   return 0;
+}
+
+int checkDatabase(const Options& o, std::ostream& out) {
+  // The progress goes to a terminal only, overwritten in place, and is gone before the report.
+  const bool terminal = ::isatty(2) != 0;
+  const auto progress = [&](std::string_view line) {
+    if (terminal) std::cerr << "\r\x1b[K" << line << "..." << std::flush;
+  };
+  const SchemaReport report = checkSchema(fromUtf8(o.connect.value_or("")), progress);
+  if (terminal) std::cerr << "\r\x1b[K" << std::flush;
+  out << (o.json ? report.json() : report.text());
+  return report.fits() ? 0 : 1;
 }
 
 }  // namespace vrdppo::cli

@@ -40,6 +40,8 @@ int load(const Options& o, std::ostream& out);
 int commit(const Options& o, std::ostream& out);
 int remove(const Options& o, std::ostream& out);
 int demo(const Options& o, std::ostream& out);
+// Whether the database --connect names fits the classes; 0 when it does, 1 when not.
+int checkDatabase(const Options& o, std::ostream& out);
 
 // The class of a name, or std::invalid_argument naming the closest ones.
 const ClassInfo& classNamed(const std::string& name);

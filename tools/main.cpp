@@ -47,6 +47,10 @@ number, in hex where it is a provider's, its text, SQLSTATE and native number, a
 that failed); 2 on a usage error, naming what was wrong; 3 when commit or delete did nothing:
 the operation answered False or its statement changed no row.)";
 
+constexpr const char* kCheckStatus = R"(
+Exit status: 0 when the database fits the classes (warnings allowed); 1 when it does not, or it
+cannot be read; 2 on a usage error.)";
+
 std::string joined(std::initializer_list<const char*> parts) {
   std::string out;
   // Each part starts on a line of its own; a blank line goes between them.
@@ -205,6 +209,18 @@ int run(int argc, char** argv) {
     CLI::Option* path = c->add_option("PATH", raw.path, "the store file, made anew");
     connect(c, "run the day on this connection string instead, keeping what it holds")
         ->excludes(path);
+  }
+
+  {
+    CLI::App* c =
+        command("check",
+                "whether the database --connect names fits the classes: every table, "
+                "view, column, key and procedure they use, read from its catalog "
+                "(nothing is written); a report by class, or --json",
+                [](const Options& o) { return checkDatabase(o, std::cout); }, {kCheckStatus});
+    connect(c, "the database: an ODBC connection string, or an existing embedded store's")
+        ->required();
+    c->add_flag("--json", raw.json, "the report as one JSON object");
   }
 
   if (argc < 2 || std::strcmp(argv[1], "help") == 0) {

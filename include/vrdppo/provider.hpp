@@ -18,6 +18,17 @@ namespace vrdppo {
 inline constexpr int adUseClient = 3;
 inline constexpr int adOptionUnspecified = -1;
 
+// What Connection::OpenSchema reads from a database's catalog: a recordset of one row per
+// table, column, procedure or parameter, with these columns.
+enum class SchemaKind : std::uint8_t {
+  Tables,      // TABLE_NAME, TABLE_TYPE ("BASE TABLE" or "VIEW")
+  Columns,     // TABLE_NAME, COLUMN_NAME, DATA_TYPE (lower case: "int", "varchar", ...; empty where
+               // the database does not say), CHARACTER_MAXIMUM_LENGTH (-1 for max; Null but for
+               // text), NUMERIC_PRECISION, NUMERIC_SCALE, IS_IDENTITY (1 or 0)
+  Procedures,  // PROCEDURE_NAME
+  ProcedureParameters,  // PROCEDURE_NAME, PARAMETER_NAME (with its "@"), ORDINAL_POSITION
+};
+
 // One connection of a provider, opened for one statement and released after it.
 class ProviderConnection {
  public:
@@ -43,6 +54,9 @@ class ProviderConnection {
   // without logins has nothing to bound.
   virtual void setConnectionTimeout(int /*seconds*/) {}
   virtual void close() = 0;
+  // The catalog's facts of one kind. By default the queries a SQL Server answers, over its
+  // INFORMATION_SCHEMA and sys views; they only read.
+  virtual std::shared_ptr<Recordset> openSchema(SchemaKind kind);
 };
 
 using ProviderFactory = std::function<std::unique_ptr<ProviderConnection>()>;
@@ -101,6 +115,8 @@ class Connection {
   // As Execute, the first result streamed into the sink. An error that the sink raised while
   // filling or taking a record names no statement.
   void ExecuteInto(const std::u16string& sql, RecordSink& sink, int options = adOptionUnspecified);
+  // The database's catalog, one kind of fact at a time (see SchemaKind).
+  std::shared_ptr<Recordset> OpenSchema(SchemaKind kind);
   // The rows the last Execute touched; -1 before the first, after one that failed, or when the
   // provider cannot say.
   std::int64_t RecordsAffected() const noexcept { return recordsAffected_; }

@@ -151,6 +151,30 @@ void Connection::ExecuteInto(const std::u16string& sql, RecordSink& sink, int op
   }
 }
 
+std::shared_ptr<Recordset> ProviderConnection::openSchema(SchemaKind kind) {
+  // sys.all_parameters rather than INFORMATION_SCHEMA.PARAMETERS, which not every engine that
+  // speaks T-SQL has.
+  static constexpr std::u16string_view kQueries[] = {
+      u"SELECT TABLE_NAME, TABLE_TYPE FROM INFORMATION_SCHEMA.TABLES",
+      u"SELECT c.TABLE_NAME, c.COLUMN_NAME, LOWER(c.DATA_TYPE) AS DATA_TYPE, "
+      u"c.CHARACTER_MAXIMUM_LENGTH, c.NUMERIC_PRECISION, c.NUMERIC_SCALE, "
+      u"COLUMNPROPERTY(OBJECT_ID(QUOTENAME(c.TABLE_SCHEMA) + '.' + QUOTENAME(c.TABLE_NAME)), "
+      u"c.COLUMN_NAME, 'IsIdentity') AS IS_IDENTITY "
+      u"FROM INFORMATION_SCHEMA.COLUMNS c ORDER BY c.TABLE_NAME, c.ORDINAL_POSITION",
+      u"SELECT name AS PROCEDURE_NAME FROM sys.procedures",
+      u"SELECT pr.name AS PROCEDURE_NAME, p.name AS PARAMETER_NAME, "
+      u"p.parameter_id AS ORDINAL_POSITION FROM sys.procedures pr "
+      u"JOIN sys.all_parameters p ON p.object_id = pr.object_id "
+      u"ORDER BY pr.name, p.parameter_id",
+  };
+  return execute(std::u16string(kQueries[static_cast<std::size_t>(kind)]), adOptionUnspecified);
+}
+
+std::shared_ptr<Recordset> Connection::OpenSchema(SchemaKind kind) {
+  if (!open_) throw Error::runtime(err::kObjectClosed);
+  return impl_->openSchema(kind);
+}
+
 void Connection::Close() {
   if (!open_) throw Error::runtime(err::kObjectClosed);
   open_ = false;

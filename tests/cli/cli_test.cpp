@@ -5,11 +5,14 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 namespace {
 
@@ -278,4 +281,27 @@ TEST(Cli, EachCommandShowsItsOwnOptions) {
       EXPECT_EQ(options.find(option), std::string::npos) << c.command << " " << option;
     }
   }
+}
+
+TEST(Cli, CheckTellsWhetherTheDatabaseFits) {
+  const std::string store = storeOption("check.db");
+  ASSERT_EQ(run("load cStemsPersist " + store).status, 0);  // makes the store
+  const Result fits = run("check " + store);
+  EXPECT_EQ(fits.status, 0) << fits.out << fits.err;
+  EXPECT_NE(fits.out.find("84 classes checked: 84 tables and views, "), std::string::npos)
+      << fits.out;
+  EXPECT_NE(fits.out.find("The database fits the classes.\n"), std::string::npos) << fits.out;
+  const Result json = run("check --json " + store);
+  EXPECT_EQ(nlohmann::json::parse(json.out).at("fits"), true) << json.out;
+
+  const std::string damaged =
+      "sqlite3 '" + (scratch() / "check.db").string() + "' 'DROP VIEW VLABWORKLIST'";
+  ASSERT_EQ(std::system(damaged.c_str()), 0);
+  const Result misfit = run("check --json " + store);
+  EXPECT_EQ(misfit.status, 1);
+  const auto report = nlohmann::json::parse(misfit.out);
+  EXPECT_EQ(report.at("problems"), 1) << misfit.out;
+  EXPECT_EQ(run("check").status, 2);  // which database is not guessed
+  EXPECT_EQ(run("check " + storeOption("none.db")).status, 1);
+  EXPECT_FALSE(std::filesystem::exists(scratch() / "none.db"));
 }

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "providers/embedded/errors.hpp"
+#include "providers/embedded/schema_reader.hpp"
 #include "providers/embedded/session.hpp"
 #include "providers/embedded/store_files.hpp"
 #include "vrdppo/error.hpp"
@@ -40,6 +41,11 @@ class EmbeddedConnection final : public ProviderConnection {
   void setCommandTimeout(int) override {}
 
   void close() override { session_.reset(); }
+
+  std::shared_ptr<Recordset> openSchema(SchemaKind kind) override {
+    if (!session_) throw Error::runtime(err::kObjectClosed);
+    return readSchema(*session_, kind);
+  }
 
  private:
   template <class F>
