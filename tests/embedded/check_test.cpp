@@ -2,10 +2,13 @@
 // hold is reported as exactly the one finding it makes.
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <string>
 
+#include "check/procedure_calls.hpp"
+#include "providers/embedded/catalog.hpp"
 #include "store_fixture.hpp"
 #include "support/schema_damage.hpp"
 #include "vrdppo/schema_check.hpp"
@@ -58,6 +61,30 @@ TEST(SchemaCheck, AStoreThatIsNotThereIsNotMade) {
   const Error e = errorOf([&] { checkSchema(connectString(path)); });
   EXPECT_NE(e.description().find(path), std::string::npos) << e.description();
   EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+// The store stands in for every procedure the classes call, with the parameters a server's has:
+// so a call the check does not know of, or whose arguments it knows wrong, fails here.
+TEST(SchemaCheck, KnowsEveryProcedureTheStoreStandsInFor) {
+  std::set<std::u16string> checked;
+  for (const auto& call : check::procedureCalls()) {
+    SCOPED_TRACE(toUtf8(call.procedure));
+    checked.insert(upperAscii(call.procedure));
+    const auto* p = storeCatalog().findProcedure(call.procedure);
+    ASSERT_NE(p, nullptr);
+    for (const auto name : call.named) {
+      EXPECT_NE(std::find_if(p->parameters.begin(), p->parameters.end(),
+                             [&](const auto& q) { return equalsNoCase(q, name); }),
+                p->parameters.end())
+          << toUtf8(name);
+    }
+    EXPECT_LE(static_cast<std::size_t>(call.positional), p->parameters.size());
+  }
+  for (const auto& name : storeCatalog().procedureNames()) {
+    const bool insert =
+        equalsNoCase(name, u"sp_InsertStatement") || equalsNoCase(name, u"qsp_InsertStatement");
+    EXPECT_TRUE(insert || checked.contains(upperAscii(name))) << toUtf8(name) << " is not checked";
+  }
 }
 
 }  // namespace
