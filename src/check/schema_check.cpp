@@ -394,11 +394,12 @@ class Checker {
     const auto& parameters = it->second.parameters;
     std::string has = parameters.empty() ? "no parameters" : "";
     for (const auto& p : parameters) has += (has.empty() ? "@" : ", @") + p;
-    for (const auto named_ : named) {
-      const std::string parameter = utf8(named_);
-      if (std::find(parameters.begin(), parameters.end(), upper(parameter)) == parameters.end()) {
-        add(SchemaFinding::Severity::Problem, caller, name + " @" + parameter,
-            "a parameter @" + parameter + ", passed by name", has);
+    for (const auto given : named) {
+      const std::string parameter = "@" + utf8(given);
+      if (std::find(parameters.begin(), parameters.end(), upper(parameter.substr(1))) ==
+          parameters.end()) {
+        add(SchemaFinding::Severity::Problem, caller, fmt::format("{} {}", name, parameter),
+            "a parameter " + parameter + ", passed by name", has);
       }
     }
     if (static_cast<int>(parameters.size()) < positional) {

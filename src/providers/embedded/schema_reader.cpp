@@ -44,8 +44,8 @@ DeclaredType declaredType(std::string_view declared) {
   try {
     const bool text = word.find("char") != std::string::npos;
     const std::string first = inside.substr(0, comma);
-    const bool max = first.find_first_not_of(" ") != std::string::npos &&
-                     equalsNoCase(fromUtf8(first.substr(first.find_first_not_of(" "))), u"MAX");
+    const bool max = first.find_first_not_of(' ') != std::string::npos &&
+                     equalsNoCase(fromUtf8(first.substr(first.find_first_not_of(' '))), u"MAX");
     const std::int32_t n = max ? -1 : std::stoi(first);
     if (text) {
       t.length = Variant(n);
