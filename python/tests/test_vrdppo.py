@@ -90,7 +90,7 @@ class Catalogue(unittest.TestCase):
             ("cStemsPersist", "TotalNetWeight", 10**400, ValueError, "TotalNetWeight"),
         ]
         for class_name, field, value, error, text in cases:
-            with self.subTest(field=field, value=value):
+            with self.subTest(field=field, value=repr(value)[:30]):
                 with self.assertRaises(error) as caught:
                     vrdppo.layout(class_name).encode({field: value})
                 self.assertIn(text, str(caught.exception))
