@@ -74,7 +74,8 @@ class Catalogue(unittest.TestCase):
         self.assertIn("StemId", stems.encode({}).text())  # the key-name literal
 
     def test_fields_refuse_what_they_cannot_hold(self):
-        grade = next(c for c in vrdppo.layout("cGreenGradePersist").columns if c.name == "GradeCode")
+        grade = next(c for c in vrdppo.layout("cGreenGradePersist").columns
+                     if c.name == "GradeCode")
         cases = [
             ("cGreenGradePersist", "GradeCode", "ABCDEFGHIJKLMNOPQRSTUVWXYZ", ValueError,
              f"GradeCode holds {grade.length} characters, not 26"),
