@@ -382,6 +382,9 @@ class Layout:
 
 _VT_PYTHON = {_capi.VT_STRING: str, _capi.VT_LONG: int, _capi.VT_BOOLEAN: bool,
               _capi.VT_DOUBLE: float, _capi.VT_DATE: _datetime.datetime}
+_VT_TEXT = {_capi.VT_STRING: "text (a str)", _capi.VT_LONG: "a Long (an int of 32 bits)",
+            _capi.VT_BOOLEAN: "a bool", _capi.VT_DOUBLE: "a float",
+            _capi.VT_DATE: "a datetime"}
 # The arguments that carry a state, and the members that answer one.
 _STATE_ARGS = {"sbuffer", "sstate"}
 _STATE_RESULTS = {"getstate", "load"}
@@ -434,15 +437,18 @@ class _Member:
 
     def doc(self, layout):
         lines = [f"{layout.class_name}.{self.name}, a member of the library's class."]
-        if any(a.name.lower() in _CONNECT_ARGS for a in self.args):
-            lines.append("Left out, the connection string is the session's "
-                         "(vrdppo.set_session(connect_string=...)).")
+        for a in self.args:
+            kind = "a State" if a.is_state else _VT_TEXT.get(a.type, "any value")
+            extra = f", optional (default {a.default!r})" if a.optional else ""
+            lines.append(f"  {a.name}: {kind}{extra}")
         if any(a.is_state for a in self.args):
-            lines.append(f"A state argument is a vrdppo.State of {layout.state_chars} code "
-                         f"units (layout.encode builds one), or a Buffer state of them.")
+            lines.append(f"A state is a record of {layout.state_chars} code units "
+                         f"(layout.encode builds one), or a Buffer state of them.")
+        if any(a.name.lower() in _CONNECT_ARGS for a in self.args):
+            lines.append("Without a connection string, the session's (vrdppo.set_session) is "
+                         "used. The rows the statement touched: the object's records_affected.")
         if self.result_python_type is State:
             lines.append("Answers a vrdppo.State (layout.decode / decode_buffer read it).")
-        lines.append("The rows its statement touched: the object's records_affected.")
         return "\n".join(lines)
 
     def arguments(self, args, kwargs):
@@ -522,6 +528,7 @@ def _class_type(name):
         namespace["_info"] = c
         namespace["__module__"] = __name__
         c.type = type(c.layout.class_name, (Persist,), namespace)
+        c.type.__signature__ = _inspect.Signature()  # made without arguments
     return c.type
 
 
