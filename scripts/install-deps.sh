@@ -6,7 +6,7 @@ packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc
           libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
           libcli11-dev nlohmann-json3-dev
-          python3 python3-pip python3-setuptools python3-wheel
+          python3 python3-pip python3-venv
           clang-14 libclang-rt-14-dev)
 if [ "${1:-}" = windows ]; then
   # MinGW-w64 with posix threads, widl, the IDL files to import, Wine, and npm for the pinned

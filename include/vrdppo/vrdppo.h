@@ -151,7 +151,9 @@ VRDPPO_C_API int32_t vrdppo_arg_info_get(int32_t class_index, int32_t member_ind
 VRDPPO_C_API int32_t vrdppo_column_info_get(int32_t class_index, int32_t column_index,
                                             vrdppo_column_info* out, vrdppo_status* status);
 
-/* Objects. vrdppo_create fails with 429 for a name no class has. */
+/* Objects. vrdppo_create fails with 429 for a name no class has. A new object's record is the
+ * class's initialised one (blank strings, a table's key-name literal), as vrdppo_record_new
+ * gives it. */
 VRDPPO_C_API int32_t vrdppo_create(const char* class_name, vrdppo_object** out,
                                    vrdppo_status* status);
 VRDPPO_C_API int32_t vrdppo_object_class(const vrdppo_object* object); /* its class index */
@@ -169,6 +171,18 @@ VRDPPO_C_API int32_t vrdppo_invoke(vrdppo_object* object, const char* member,
 VRDPPO_C_API int32_t vrdppo_invoke_id(vrdppo_object* object, int32_t dispatch_id,
                                       const vrdppo_value* args, int32_t arg_count,
                                       vrdppo_value* result, vrdppo_status* status);
+
+/* The rows touched by the last statement the calling thread ran: after a Commit or Delete, how
+ * many rows it wrote (its Boolean result does not tell). vrdppo_invoke and vrdppo_invoke_id set
+ * it to -1 before the call, so -1 after one means it ran no statement (or the provider cannot
+ * count). */
+VRDPPO_C_API int64_t vrdppo_last_records_affected(void);
+
+/* The state of a new record of the class, as its initialiser leaves it: how a caller starts a
+ * record to insert (key 0) without a former Load. A VRDPPO_STRING16 value, cleared by the
+ * caller. */
+VRDPPO_C_API int32_t vrdppo_record_new(int32_t class_index, vrdppo_value* out,
+                                       vrdppo_status* status);
 
 /* The calling thread's session values. */
 VRDPPO_C_API int32_t vrdppo_session_set(int32_t key, const vrdppo_value* value,

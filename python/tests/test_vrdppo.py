@@ -2,8 +2,10 @@
 
 import datetime
 import decimal
+import inspect
 import os
 import pathlib
+import subprocess
 import tempfile
 import threading
 import unittest
@@ -58,6 +60,108 @@ class Catalogue(unittest.TestCase):
         with self.assertRaises(ValueError):
             layout.decode(state[:-1])
 
+    def test_new_records_are_the_initialisers(self):
+        for name in ("cStemsPersist", "cProductionRunPersist"):
+            s = vrdppo.create(name)
+            fresh = s.GetState()
+            self.assertEqual(fresh, s.layout.new_state())
+            self.assertEqual(s.layout.encode({}), fresh)
+            self.assertNotEqual(bytes(fresh), bytes(2 * len(fresh)))
+        run = vrdppo.layout("cProductionRunPersist")
+        row = run.decode(run.encode({"Status": "O"}))
+        self.assertEqual(row["Status"], "O")
+        self.assertEqual(row["Comments"], "")  # blanks, not 255 NULs
+        stems = vrdppo.layout("cStemsPersist")
+        self.assertIn("StemId", stems.encode({}).text())  # the key-name literal
+
+    def test_fields_refuse_what_they_cannot_hold(self):
+        grade = next(c for c in vrdppo.layout("cGreenGradePersist").columns
+                     if c.name == "GradeCode")
+        cases = [
+            ("cGreenGradePersist", "GradeCode", "ABCDEFGHIJKLMNOPQRSTUVWXYZ", ValueError,
+             f"GradeCode holds {grade.length} characters, not 26"),
+            ("cStemsPersist", "TotalNetWeight", "abc", TypeError, "TotalNetWeight"),
+            ("cStemsPersist", "StemsId", 2**31, ValueError, "StemsId"),
+            ("cStemsPersist", "StemsId", -2**31 - 1, ValueError, "StemsId"),
+            ("cStemsPersist", "StemsId", 2**64 + 2, ValueError, "StemsId"),
+            ("cStemsPersist", "StemsId", 1.5, TypeError, "StemsId"),
+            ("cStemsPersist", "StemsId", None, TypeError, "StemsId"),
+            ("cGreenGradePersist", "GradeCode", None, TypeError, "GradeCode"),
+            ("cGreenGradePersist", "GradeCode", b"ab", TypeError, "GradeCode"),
+            ("cGreenGradePersist", "GradeCode", "\U0001F600" * 6, ValueError, "not 12"),
+            ("cStemsPersist", "TotalNetWeight", 10**400, ValueError, "TotalNetWeight"),
+        ]
+        for class_name, field, value, error, text in cases:
+            with self.subTest(field=field, value=repr(value)[:30]):
+                with self.assertRaises(error) as caught:
+                    vrdppo.layout(class_name).encode({field: value})
+                self.assertIn(text, str(caught.exception))
+                self.assertIn(class_name, str(caught.exception))
+        self.assertEqual(vrdppo.layout("cStemsPersist").encode({"StemsId": 2**31 - 1}),
+                         vrdppo.layout("cStemsPersist").encode({"StemsId": 2147483647}))
+
+    def test_a_pair_that_just_fits_stays_whole(self):
+        # Find a String*1 field: an emoji takes two units and must be refused, never halved.
+        for name in vrdppo.classes():
+            layout = vrdppo.layout(name)
+            one = [c for c in layout.columns if c.type_name == "String*1"]
+            if one:
+                break
+        c = one[0]
+        with self.assertRaises(ValueError):
+            layout.encode({c.name: "\U0001F600"})
+        after = [d for d in layout.columns if d.offset == c.offset + 2]
+        state = layout.encode({c.name: "x"})
+        self.assertEqual(layout.decode(state)[c.name], "x")
+        if after:
+            self.assertEqual(layout.decode(state)[after[0].name],
+                             layout.decode(layout.new_state())[after[0].name])
+
+    def test_decode_buffer_refuses_what_is_no_buffer(self):
+        stems = vrdppo.layout("cStemsPersist")
+        for state in (stems.new_state(), vrdppo.State("abc"), vrdppo.State(bytes(16))):
+            with self.subTest(length=len(state)):
+                with self.assertRaises(ValueError) as caught:
+                    stems.decode_buffer(state)
+                self.assertIn("cStemsPersist", str(caught.exception))
+
+    def test_class_names_checked_and_near_ones_suggested(self):
+        with self.assertRaises(vrdppo.UnknownClass) as caught:
+            vrdppo.create("cStemPersist")
+        self.assertEqual(caught.exception.number, 429)
+        self.assertIn("cStemsPersist", caught.exception.suggestions)
+        self.assertIn("did you mean", str(caught.exception))
+        with self.assertRaises(TypeError):
+            vrdppo.create(None)
+        with self.assertRaises(ValueError):
+            vrdppo.create("cStemsPersist\x00junk")
+        self.assertIsInstance(vrdppo.cStemsPersist(), vrdppo.Persist)
+        self.assertIs(type(vrdppo.Persist("cstemspersist")), vrdppo.cStemsPersist)
+
+    def test_members_are_methods_with_their_arguments(self):
+        s = vrdppo.create("cCageMoveCommentPersist")
+        sig = inspect.signature(s.Load)
+        self.assertEqual(list(sig.parameters), ["sCriteria", "sConnect", "lTop"])
+        self.assertIs(sig.parameters["sCriteria"].default, inspect.Parameter.empty)
+        self.assertIsNot(sig.parameters["lTop"].default, inspect.Parameter.empty)
+        self.assertIs(sig.return_annotation, vrdppo.State)
+        self.assertIn("Load", dir(s))
+        self.assertIn("cCageMoveCommentPersist.Load", s.Load.__doc__)
+        self.assertEqual(s.load.__name__, "Load")  # without regard to case
+
+    def test_the_namespace_is_clean_and_versioned(self):
+        public = [n for n in dir(vrdppo) if not n.startswith("_")]
+        for name in ("ctypes", "struct", "math", "datetime", "decimal", "T"):
+            self.assertNotIn(name, public)
+        self.assertEqual(vrdppo.__version__, vrdppo.version())
+        self.assertIn("cStemsPersist", public)
+
+    def test_stubs_are_the_registrys(self):
+        from vrdppo import _stubs
+        self.assertTrue(_stubs.path().with_name("py.typed").exists())
+        self.assertEqual(_stubs.path().read_text(), _stubs.render(),
+                         "regenerate with python -m vrdppo._stubs")
+
     def test_dates_before_and_after_the_epoch(self):
         for when in (datetime.datetime(2026, 11, 23, 8, 30), datetime.datetime(1899, 12, 29, 6),
                      datetime.datetime(1899, 12, 30)):
@@ -106,9 +210,21 @@ class Requests(Store):
         self.assertTrue(e.sql_state)
         self.assertIn("NoSuchColumn = 1", e.statement)
         self.assertIn("0x80040e14", str(e))
-        with self.assertRaises(vrdppo.Error) as caught:
+        with self.assertRaises(vrdppo.MissingArgument) as caught:
             stems.Load()
         self.assertEqual(caught.exception.number, 449)  # a required argument left out
+        self.assertIn("sCriteria is missing", str(caught.exception))
+        with self.assertRaises(TypeError) as caught:
+            stems.Load(sConnect=self.connect)
+        self.assertIn("sCriteria", str(caught.exception))
+        with self.assertRaises(ValueError) as caught:
+            stems.Commit(vrdppo.State("abc"), self.connect)
+        self.assertIn("sBuffer", str(caught.exception))
+        self.assertEqual(stems.layout.decode(stems.GetState())["StemsId"], 0)
+        comments = vrdppo.create("cCageMoveCommentPersist")
+        for top in (2**31, 2**64 + 2):
+            with self.assertRaises(ValueError):
+                comments.Load("", self.connect, top)
         with self.assertRaises(TypeError):
             stems.Load("", self.connect, bogus=1)
         with self.assertRaises(TypeError):
@@ -127,15 +243,144 @@ class Requests(Store):
         t.join()
         self.assertNotEqual(seen["app_name"], "scales")
         vrdppo.set_session(connect_string="", app_name="", audit_trail_id=0)
-        with self.assertRaises(vrdppo.Error):
-            vrdppo.set_session(audit_trail_id="x")
+        for bad, error in (("x", TypeError), (2**64 + 5, ValueError), (2**31, ValueError)):
+            with self.assertRaises(error):
+                vrdppo.set_session(audit_trail_id=bad)
+        self.assertEqual(vrdppo.session()["audit_trail_id"], 0)
+
+    def test_the_sessions_connect_string_serves_a_call_without_one(self):
+        stems = vrdppo.create("cStemsPersist")
+        vrdppo.set_session(connect_string="")  # every call leaves its own there
+        with self.assertRaises(vrdppo.MissingArgument):
+            stems.Load("")
+        vrdppo.set_session(connect_string=self.connect)
+        try:
+            self.assertTrue(stems.Commit(self.stem(StemsId=0, TotalNetWeight=5.0)))
+            self.assertEqual(len(stems.layout.decode_buffer(stems.Load(""))), 1)
+        finally:
+            vrdppo.set_session(connect_string="")
+
+    def test_rows_touched_are_told(self):
+        stems = vrdppo.create("cStemsPersist")
+        self.assertIsNone(stems.records_affected)
+        stems.Commit(self.stem(StemsId=0, TotalNetWeight=1.0), self.connect)
+        self.assertEqual(stems.records_affected, 1)
+        self.assertEqual(vrdppo.last_records_affected(), 1)
+        stems.Delete(self.stem(StemsId=987654), self.connect)
+        self.assertEqual(stems.records_affected, 0)
+        stems.GetState()
+        self.assertIsNone(stems.records_affected)
+
+    def test_states_keep_every_code_unit(self):
+        # A Double's bytes can form a surrogate pair (4483 kg in lb does); a str would join
+        # the pair into one character and lose a unit.
+        stems = vrdppo.create("cStemsPersist")
+        weights = [4483 * 2.20462] + [i * 2.20462 for i in range(1, 20001)]
+        pairs = 0
+        layout = stems.layout
+        for w in weights:
+            state = layout.encode({"TotalNetWeight": w})
+            text = bytes(state).decode("utf-16-le", "surrogatepass")
+            pairs += len(text) != len(state)
+            self.assertEqual(len(state), layout.state_chars)
+            self.assertEqual(layout.decode(state)["TotalNetWeight"], w)
+        self.assertGreater(pairs, 0)  # the sweep does meet the case
+        w = 4483 * 2.20462
+        self.assertTrue(stems.Commit(self.stem(StemsId=0, TotalNetWeight=w), self.connect))
+        saved = stems.GetState()
+        self.assertEqual(len(saved), layout.state_chars)
+        self.assertEqual(layout.decode(saved)["TotalNetWeight"], w)
+        rows = layout.decode_buffer(stems.Load("", self.connect))
+        self.assertEqual(len(rows), 1)
+        self.assertAlmostEqual(rows[0]["TotalNetWeight"], w, places=6)
+        self.assertEqual(vrdppo.State(bytes(saved)), saved)
+        self.assertEqual(vrdppo.State(saved.units()), saved)
+
+    def test_rows_as_a_data_frame(self):
+        try:
+            import pandas  # noqa: F401
+        except ImportError:
+            self.skipTest("pandas is not installed")
+        stems = vrdppo.create("cStemsPersist")
+        stems.Commit(self.stem(StemsId=0, TotalNetWeight=2.5), self.connect)
+        frame = stems.layout.dataframe(stems.Load("", self.connect))
+        self.assertEqual(list(frame["TotalNetWeight"]), [2.5])
 
     def test_text_that_utf8_cannot_hold_survives(self):
         # A state is UTF-16 code units; a lone surrogate in a record must come back as it went.
         layout = vrdppo.layout("cStemsPersist")
         state = self.stem(StemsId=5)
-        odd = state[:1] + "\ud800" + state[2:]
+        odd = state[:1] + vrdppo.State("\ud800") + state[2:]
         self.assertEqual(layout.encode({}, base=odd), odd)
+        self.assertEqual(layout.encode({}, base=odd.text()), odd)
+
+
+def _tool_state(text):
+    """The command-line tool's state text (a JSON string's body) as a State, unit by unit: a
+    JSON reader would join an escaped surrogate pair into one character."""
+    simple = {"n": "\n", "t": "\t", "r": "\r", "b": "\b", "f": "\f"}
+    units, i = [], 0
+    while i < len(text):
+        ch = text[i]
+        if ch == "\\" and text[i + 1] == "u":
+            units.append(int(text[i + 2:i + 6], 16))
+            i += 6
+        elif ch == "\\":
+            units.append(ord(simple.get(text[i + 1], text[i + 1])))
+            i += 2
+        else:
+            units.append(ord(ch))
+            i += 1
+    return vrdppo.State(units)
+
+
+@unittest.skipUnless(os.environ.get("VRDPPO_CLI"), "VRDPPO_CLI names the built tool")
+class AgreesWithTheTool(unittest.TestCase):
+    """The tool and the module build records by the same rules: the same state from the same
+    fields, and the same refusals."""
+
+    def tool(self, class_name, sets):
+        args = [os.environ["VRDPPO_CLI"], "encode", class_name]
+        for name, text in sets.items():
+            args += ["--set", f"{name}={text}"]
+        return subprocess.run(args, capture_output=True, text=True)
+
+    def test_the_same_fields_make_the_same_state(self):
+        cases = [
+            ("cStemsPersist", {"StemsId": 5, "TotalNetWeight": 4483 * 2.20462}),
+            ("cStemsPersist", {"StemsId": -2**31, "ContainerEnd": 2**31 - 1}),
+            ("cGreenGradePersist", {"GradeCode": "AB 12", "DeletedFlag": "Y"}),
+            ("cGreenGradePersist", {"GradeCode": "\u00e9\U0001F600" * 3}),
+            ("cProductionRunPersist", {"Status": "O", "RemainderIn": 0.1,
+                                       "ProductionDate": datetime.datetime(2026, 11, 23, 8, 30)}),
+        ]
+        for class_name, fields in cases:
+            with self.subTest(class_name=class_name, fields=fields):
+                sets = {k: (v.strftime("%Y-%m-%d %H:%M:%S") if isinstance(v, datetime.datetime)
+                            else repr(v) if isinstance(v, float) else v)
+                        for k, v in fields.items()}
+                run = self.tool(class_name, sets)
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.assertEqual(vrdppo.layout(class_name).encode(fields),
+                                 _tool_state(run.stdout.strip("\n")))
+
+    def test_the_same_fields_are_refused(self):
+        cases = [
+            ("cGreenGradePersist", "GradeCode", "ABCDEFGHIJKLMNOPQRSTUVWXYZ"),
+            ("cGreenGradePersist", "DeletedFlag", "\U0001F600"),
+            ("cStemsPersist", "StemsId", 2**31),
+            ("cStemsPersist", "StemsId", -2**31 - 1),
+        ]
+        for class_name, field, value in cases:
+            with self.subTest(field=field, value=value):
+                run = self.tool(class_name, {field: value})
+                self.assertEqual(run.returncode, 2, run.stdout)
+                with self.assertRaises(ValueError) as caught:
+                    vrdppo.layout(class_name).encode({field: value})
+                self.assertIn(field, run.stderr)
+                if "holds" in run.stderr:
+                    message = run.stderr.strip().split(": ", 1)[1]
+                    self.assertIn(message, str(caught.exception))
 
 
 class Library(unittest.TestCase):

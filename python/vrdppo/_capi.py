@@ -14,6 +14,7 @@ class T:
 
 SESSION_CONNECT_STRING, SESSION_APP_NAME, SESSION_AUDIT_TRAIL_ID = 0, 1, 2
 FIELD_LONG, FIELD_DOUBLE, FIELD_CURRENCY, FIELD_DATE, FIELD_STRING = range(5)
+VT_NONE, VT_STRING, VT_LONG, VT_BOOLEAN, VT_DOUBLE, VT_DATE, VT_VARIANT, VT_RECORDSET = range(8)
 
 
 class _Union(ctypes.Union):
@@ -108,6 +109,8 @@ def _declare(lib):
         "vrdppo_invoke_id": (i32, [ctypes.c_void_p, i32, p(Value), i32, p(Value), status]),
         "vrdppo_session_set": (i32, [i32, p(Value), status]),
         "vrdppo_session_get": (i32, [i32, p(Value), status]),
+        "vrdppo_last_records_affected": (ctypes.c_int64, []),
+        "vrdppo_record_new": (i32, [i32, p(Value), status]),
         "vrdppo_embedded_connect_string": (i32, [ctypes.c_char_p, p(Value), status]),
         "vrdppo_embedded_open": (i32, [ctypes.c_char_p, status]),
         "vrdppo_embedded_release": (None, [ctypes.c_char_p]),

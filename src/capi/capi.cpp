@@ -15,7 +15,9 @@
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/provider.hpp"
 #include "vrdppo/registry.hpp"
+#include "vrdppo/render.hpp"
 #include "vrdppo/text.hpp"
 #include "vrdppo/vrdppo.h"
 #include "vrdppo_build_config.hpp"
@@ -355,6 +357,7 @@ std::int32_t invokeMember(vrdppo_object* object, Member member, const vrdppo_val
   return guarded(st, [&] {
     const std::shared_ptr<Handed> handed = liveObject(object);
     const std::vector<Variant> a = argumentsOf(args, count);
+    vrdppo::resetLastRecordsAffected();
     const Variant r = vrdppo::registry::invoke(*handed->object, member, a);
     if (result != nullptr) *result = toValue(r);
   });
@@ -483,6 +486,7 @@ int32_t vrdppo_create(const char* class_name, vrdppo_object** out, vrdppo_status
     requireOut(out);
     if (class_name == nullptr) throw invalidArgument("the class name is NULL");
     auto object = vrdppo::registry::create(class_name);
+    vrdppo::initialiseRecord(object->layout(), object->recordBytes());
     const int32_t index = vrdppo_class_find(object->classInfo().name.c_str());
     *out = objects().add(std::make_shared<Handed>(Handed{index, std::move(object)}));
   });
@@ -517,6 +521,21 @@ int32_t vrdppo_invoke(vrdppo_object* object, const char* member, const vrdppo_va
 int32_t vrdppo_invoke_id(vrdppo_object* object, int32_t dispatch_id, const vrdppo_value* args,
                          int32_t arg_count, vrdppo_value* result, vrdppo_status* status) {
   return invokeMember(object, dispatch_id, args, arg_count, result, status);
+}
+
+int64_t vrdppo_last_records_affected(void) {
+  return vrdppo::lastRecordsAffected();
+}
+
+int32_t vrdppo_record_new(int32_t class_index, vrdppo_value* out, vrdppo_status* status) {
+  if (out != nullptr) *out = vrdppo_value{};
+  return guarded(status, [&] {
+    requireOut(out);
+    const vrdppo::RecordLayout& layout = *classAt(class_index).layout;
+    std::vector<std::byte> record(static_cast<std::size_t>(layout.bytes), std::byte{0});
+    vrdppo::initialiseRecord(layout, record.data());
+    *out = string16Value(vrdppo::recordState(layout, record.data()));
+  });
 }
 
 int32_t vrdppo_session_set(int32_t key, const vrdppo_value* value, vrdppo_status* status) {

@@ -206,6 +206,40 @@ TEST_F(CInterface, AWholeRequestOnTheStore) {
   EXPECT_TRUE(rowsOf<cStemsPersist>(text16(none)).empty());
 }
 
+// A new record is the initialiser's, for vrdppo_record_new and a new object alike; the rows a
+// Commit or Delete wrote are told, and a Delete of a key no row has touches none.
+TEST_F(CInterface, NewRecordsAndRowsTouched) {
+  Status st;
+  const int32_t index = vrdppo_class_find("cStemsPersist");
+  Value fresh;
+  ASSERT_EQ(vrdppo_record_new(index, &fresh, &st), 0) << st.text();
+  const std::u16string expected = stemState(0, 0, 0);
+  StemsRecord zero{};
+  std::u16string initialised = text16(fresh);
+  EXPECT_EQ(initialised.size(), expected.size());
+  EXPECT_NE(std::memcmp(initialised.data(), &zero, sizeof zero), 0);
+  Object stems;
+  ASSERT_EQ(vrdppo_create("cStemsPersist", &stems.p, &st), 0);
+  Value got;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "GetState", nullptr, 0, &got, &st), 0);
+  EXPECT_EQ(text16(got), initialised);
+  Value none;
+  EXPECT_EQ(vrdppo_record_new(-1, &none, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_record_new(index, nullptr, &st), err::kInvalidCall);
+
+  EXPECT_EQ(vrdppo_last_records_affected(), -1);  // GetState ran no statement
+  const std::u16string state = stemState(0, 125.5, 77);
+  vrdppo_value commitArgs[] = {str16(state), str16(connect)};
+  Value ok;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Commit", commitArgs, 2, &ok, &st), 0) << st.text();
+  EXPECT_EQ(vrdppo_last_records_affected(), 1);
+  const std::u16string nobody = stemState(987654, 1, 77);
+  vrdppo_value deleteArgs[] = {str16(nobody), str16(connect)};
+  Value deleted;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Delete", deleteArgs, 2, &deleted, &st), 0) << st.text();
+  EXPECT_EQ(vrdppo_last_records_affected(), 0);
+}
+
 TEST_F(CInterface, FailuresComeBackAsStatuses) {
   Status st;
   Object o;
