@@ -195,6 +195,15 @@ VRDPPO_C_API int32_t vrdppo_embedded_connect_string(const char* path, vrdppo_val
 VRDPPO_C_API int32_t vrdppo_embedded_open(const char* path, vrdppo_status* status);
 VRDPPO_C_API void vrdppo_embedded_release(const char* path);
 
+/* Whether the database that connect names (UTF-8) fits the classes: every table, view, column,
+ * key and procedure they use, read from its catalog; nothing is written. The report, as text or
+ * (json nonzero) as one JSON object, UTF-8 and NUL-terminated, goes to *report, freed with
+ * vrdppo_free; the count of problems to *problems (0: it fits; warnings are not counted). A
+ * database that does not fit is not a failure: the status fails only where the database cannot
+ * be read. Either out pointer may be NULL. */
+VRDPPO_C_API int32_t vrdppo_check_schema(const char* connect, int32_t json, char** report,
+                                         int32_t* problems, vrdppo_status* status);
+
 /* A value as the platform writes it as text, UTF-8, NUL-terminated; NULL on failure. Freed with
  * vrdppo_free. */
 VRDPPO_C_API char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status);

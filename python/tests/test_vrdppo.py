@@ -5,6 +5,7 @@ import decimal
 import inspect
 import os
 import pathlib
+import sqlite3
 import subprocess
 import tempfile
 import threading
@@ -332,6 +333,29 @@ def _tool_state(text):
             units.append(ord(ch))
             i += 1
     return vrdppo.State(units)
+
+
+class SchemaCheck(Store):
+    def test_a_fresh_store_fits_and_a_damaged_one_does_not(self):
+        report = vrdppo.check(self.connect)
+        self.assertTrue(report["fits"], report["findings"])
+        self.assertEqual(report["classes"], 84)
+        self.assertIn("The database fits the classes.", vrdppo.check(self.connect, text=True))
+        vrdppo.release_store(self.path)
+        with sqlite3.connect(self.path) as db:
+            db.execute("DROP VIEW VLABWORKLIST")
+        db.close()
+        report = vrdppo.check(self.connect)
+        self.assertFalse(report["fits"])
+        self.assertEqual([(f["class"], f["object"]) for f in report["findings"]
+                          if f["severity"] == "problem"],
+                         [("cvLabWorkListPersist", "VLABWORKLIST")])
+
+    def test_a_store_that_is_not_there_is_not_made(self):
+        missing = pathlib.Path(self.dir.name) / "none.db"
+        with self.assertRaises(vrdppo.Error):
+            vrdppo.check(vrdppo.embedded_connect_string(missing))
+        self.assertFalse(missing.exists())
 
 
 @unittest.skipUnless(os.environ.get("VRDPPO_CLI"), "VRDPPO_CLI names the built tool")

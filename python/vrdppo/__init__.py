@@ -12,6 +12,7 @@ field, refusing what a field cannot hold. The library's errors are raised as `vr
 """
 
 import ctypes as _ctypes
+import json as _json
 import datetime as _datetime
 import decimal as _decimal
 import difflib as _difflib
@@ -28,7 +29,8 @@ State.__module__ = __name__
 
 __all__ = ["Error", "UnknownClass", "MissingArgument", "MISSING", "State", "Layout", "Persist",
            "classes", "create", "layout", "session", "set_session", "last_records_affected",
-           "embedded_connect_string", "open_store", "release_store", "version", "__version__"]
+           "embedded_connect_string", "open_store", "release_store", "check", "version",
+           "__version__"]
 
 _lib = _capi.load()
 _EPOCH = _datetime.datetime(1899, 12, 30)
@@ -718,6 +720,23 @@ def open_store(path):
 def release_store(path):
     """Lets go of what the process keeps open on a store file."""
     _lib.vrdppo_embedded_release(str(path).encode())
+
+
+def check(connect, text=False):
+    """Whether the database `connect` names fits the classes: every table, view, column, key
+    and procedure they use, read from its catalog (nothing is written). The report as a dict
+    ("fits", "problems", "warnings", the counts, "seconds" and "findings", each with
+    "severity", "class", "object", "needs" and "has"), or with text=True as the text the
+    command-line tool prints. Raises Error where the database cannot be read."""
+    report = _ctypes.c_void_p()
+    problems = _ctypes.c_int32()
+    _check(_lib.vrdppo_check_schema, str(connect).encode(), 0 if text else 1,
+           _ctypes.byref(report), _ctypes.byref(problems))
+    try:
+        out = _ctypes.string_at(report.value).decode("utf-8") if report.value else ""
+    finally:
+        _lib.vrdppo_free(report)
+    return out if text else _json.loads(out)
 
 
 def __getattr__(name):

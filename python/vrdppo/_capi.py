@@ -116,6 +116,8 @@ def _declare(lib):
         "vrdppo_embedded_release": (None, [ctypes.c_char_p]),
         "vrdppo_value_clear": (i32, [p(Value), status]),
         "vrdppo_status_clear": (None, [status]),
+        "vrdppo_check_schema": (i32, [ctypes.c_char_p, i32, p(ctypes.c_void_p), p(i32), status]),
+        "vrdppo_free": (None, [ctypes.c_void_p]),
     }
     for name, (restype, argtypes) in signatures.items():
         f = getattr(lib, name)

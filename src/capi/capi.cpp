@@ -18,6 +18,7 @@
 #include "vrdppo/provider.hpp"
 #include "vrdppo/registry.hpp"
 #include "vrdppo/render.hpp"
+#include "vrdppo/schema_check.hpp"
 #include "vrdppo/text.hpp"
 #include "vrdppo/vrdppo.h"
 #include "vrdppo_build_config.hpp"
@@ -601,6 +602,18 @@ void vrdppo_embedded_release(const char* path) {
     vrdppo::embedded::releaseStore(path);
   } catch (...) {
   }
+}
+
+int32_t vrdppo_check_schema(const char* connect, int32_t json, char** report, int32_t* problems,
+                            vrdppo_status* status) {
+  if (report != nullptr) *report = nullptr;
+  if (problems != nullptr) *problems = 0;
+  return guarded(status, [&] {
+    if (connect == nullptr) throw invalidArgument("the connection string is NULL");
+    const vrdppo::SchemaReport r = vrdppo::checkSchema(vrdppo::fromUtf8(connect));
+    if (problems != nullptr) *problems = r.problems();
+    if (report != nullptr) *report = copyText(json != 0 ? r.json() : r.text());
+  });
 }
 
 char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status) {

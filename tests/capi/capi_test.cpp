@@ -381,3 +381,22 @@ TEST(CInterfaceMisuse, HandlesAndStringsAreCheckedNotFollowed) {
   EXPECT_EQ(vrdppo_value_clear(&again, &st), err::kInvalidCall);
   EXPECT_EQ(vrdppo_value_clear(nullptr, &st), 0);
 }
+
+TEST_F(CInterface, ASchemaCheckReportsAndCounts) {
+  Status st;
+  const std::string connect = "Provider=vrdppo.Embedded;Data Source=" + path;
+  ASSERT_EQ(vrdppo_embedded_open(path.c_str(), &st), 0) << st.text();
+  char* report = nullptr;
+  int32_t problems = -1;
+  ASSERT_EQ(vrdppo_check_schema(connect.c_str(), 1, &report, &problems, &st), 0) << st.text();
+  ASSERT_NE(report, nullptr);
+  EXPECT_EQ(problems, 0);
+  EXPECT_EQ(std::string(report).rfind("{\"fits\": true, \"problems\": 0,", 0), 0u) << report;
+  vrdppo_free(report);
+  // A store that is not there is a failure, and nothing is made.
+  const std::string missing = "Provider=vrdppo.Embedded;Data Source=" + path + ".none";
+  EXPECT_NE(vrdppo_check_schema(missing.c_str(), 0, &report, &problems, &st), 0);
+  EXPECT_EQ(report, nullptr);
+  EXPECT_NE(st.text().find(".none"), std::string::npos) << st.text();
+  EXPECT_NE(vrdppo_check_schema(nullptr, 0, nullptr, nullptr, &st), 0);
+}
