@@ -28,6 +28,13 @@ cc -Wall -Wextra -Werror -std=c99 "$root/examples/c/stems_count.c" \
 "$work/stems_count" "$work/cpp.db" | tee "$work/c.out"
 grep -q "run 77: 2 stems" "$work/c.out"
 
+echo "== C through pkg-config --static"
+# libvrdppo.a with what it needs, as pkg-config --static names it (unixODBC's libltdl among them).
+# shellcheck disable=SC2046
+cc -std=c99 "$root/examples/c/stems_count.c" -o "$work/stems_count_static" \
+   $(pkg-config --cflags --static --libs vrdppo | sed 's/-lvrdppo /-l:libvrdppo.a /')
+"$work/stems_count_static" "$work/cpp.db" | grep -q "run 77: 2 stems"
+
 echo "== Python through pip"
 libdir=$(pkg-config --variable=libdir vrdppo)
 cp -r "$root/python" "$work/python-src"  # pip builds in the tree it is given

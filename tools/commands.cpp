@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <stdexcept>
@@ -365,11 +366,30 @@ int encode(const Options& o, std::istream& in, std::ostream& out) {
   const ClassInfo& info = classNamed(className(o));
   std::vector<Assignment> sets = o.sets;
   if (sets.empty()) {
-    // Lines as decode prints them (NAME<TAB>TYPE<TAB>VALUE) or NAME=VALUE.
+    // Lines as decode prints them (NAME<TAB>TYPE<TAB>VALUE), NAME=VALUE, or records as load
+    // --json prints them.
     std::string line;
     while (std::getline(in, line)) {
       if (!line.empty() && line.back() == '\r') line.pop_back();
       if (line.empty()) continue;
+      if (line.front() == '{') {
+        // A record as load --json prints it.
+        nlohmann::json record;
+        try {
+          record = nlohmann::json::parse(line);
+        } catch (const nlohmann::json::exception& e) {
+          throw std::invalid_argument(
+              "a line that starts with { must be a record as load --json "
+              "prints it: " +
+              std::string(e.what()));
+        }
+        for (const auto& [name, value] : record.items()) {
+          if (!value.is_null()) {
+            sets.push_back({name, value.is_string() ? value.get<std::string>() : value.dump()});
+          }
+        }
+        continue;
+      }
       const auto tab = line.find('\t');
       if (tab != std::string::npos) {
         const auto second = line.find('\t', tab + 1);
@@ -432,6 +452,15 @@ int showSql(const Options& o, std::ostream& out) {
 
 int load(const Options& o, std::ostream& out) {
   const ClassInfo& info = classNamed(className(o));
+  // A read makes no store: a file that is not there would be created empty and read as such.
+  const std::u16string connect = connectionOf(o);
+  if (providers::nameFor(connect) == "embedded") {
+    const std::string file = toUtf8(connectionValue(connect, u"Data Source"));
+    if (!std::filesystem::exists(file)) {
+      throw std::invalid_argument("no store file \"" + file +
+                                  "\": load reads a store that exists (commit or demo makes one)");
+    }
+  }
   auto object = info.create();
   const MemberInfo* m = info.member("Load");
   const auto args = argumentsFor(info, *m, o, u"", connectionOf(o));

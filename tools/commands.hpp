@@ -21,6 +21,7 @@ struct Options {
   std::optional<std::string> state;
   bool json = false;
   bool buffer = false;
+  std::string program = "vrdppo";  // how the tool was run, for the commands it suggests
 };
 
 // A commit or delete that ran and did nothing: the operation answered False or its statement

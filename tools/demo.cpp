@@ -120,7 +120,7 @@ int demo(const Options& o, std::ostream& out) {
   demoGreenLeaf(d);
   demoLab(d);
   out << "\nThe day's rows stay; look at them with, for example:\n"
-      << "  vrdppo load cStemsPersist --connect '" << toUtf8(connect) << "'\n";
+      << "  " << o.program << " load cStemsPersist --connect '" << toUtf8(connect) << "'\n";
   dbHelp::ConnectString.clear();
   return 0;
 }

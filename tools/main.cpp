@@ -11,6 +11,7 @@
 
 #include "commands.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/vrdppo.h"
 
 namespace {
 
@@ -70,8 +71,9 @@ bool given(const CLI::App& command, const char* name) {
   return option != nullptr && option->count() > 0;
 }
 
-vrdppo::cli::Options options(const Raw& raw, const CLI::App& command) {
+vrdppo::cli::Options options(const Raw& raw, const CLI::App& command, const char* program) {
   vrdppo::cli::Options o;
+  o.program = program;
   o.className = raw.className;
   o.operation = raw.operation;
   o.path = raw.path;
@@ -91,6 +93,7 @@ int run(int argc, char** argv) {
   CLI::App app("vrdppo: the persistence library from a shell.", "vrdppo");
   app.footer(joined({kCommands, kFields, kArguments, kConnection, kStateText, kExitStatus}));
   app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("vrdppo ") + vrdppo_version());
 
   using Run = std::function<int(const Options&)>;
   std::vector<std::pair<CLI::App*, Run>> commands;
@@ -243,6 +246,8 @@ int run(int argc, char** argv) {
     return app.exit(e);
   } catch (const CLI::CallForAllHelp& e) {
     return app.exit(e);
+  } catch (const CLI::CallForVersion& e) {
+    return app.exit(e);
   } catch (const CLI::ParseError& e) {
     const CLI::App* c = named(argv[1]);
     std::cerr << "vrdppo: " << e.what() << " (see vrdppo " << (c ? c->get_name() + " " : "")
@@ -251,7 +256,7 @@ int run(int argc, char** argv) {
   }
   try {
     for (const auto& [c, run] : commands) {
-      if (c->parsed()) return run(options(raw, *c));
+      if (c->parsed()) return run(options(raw, *c, argv[0]));
     }
     return 2;  // require_subcommand has ruled this out
   } catch (const std::invalid_argument& e) {

@@ -285,7 +285,7 @@ TEST(Cli, EachCommandShowsItsOwnOptions) {
 
 TEST(Cli, CheckTellsWhetherTheDatabaseFits) {
   const std::string store = storeOption("check.db");
-  ASSERT_EQ(run("load cStemsPersist " + store).status, 0);  // makes the store
+  ASSERT_EQ(run("commit cStemsPersist --set ProductionRunId=1 " + store).status, 0);  // a store
   const Result fits = run("check " + store);
   EXPECT_EQ(fits.status, 0) << fits.out << fits.err;
   EXPECT_NE(fits.out.find("84 classes checked: 84 tables and views, "), std::string::npos)
@@ -304,4 +304,34 @@ TEST(Cli, CheckTellsWhetherTheDatabaseFits) {
   EXPECT_EQ(run("check").status, 2);  // which database is not guessed
   EXPECT_EQ(run("check " + storeOption("none.db")).status, 1);
   EXPECT_FALSE(std::filesystem::exists(scratch() / "none.db"));
+}
+
+TEST(Cli, TheNewcomersRoad) {
+  const Result version = run("--version");
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out.rfind("vrdppo 0.", 0), 0u) << version.out;
+  // A read makes no store.
+  const Result missing = run("load cStemsPersist " + storeOption("nowhere.db"));
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_NE(missing.err.find("no store file \"nowhere.db\""), std::string::npos) << missing.err;
+  EXPECT_FALSE(std::filesystem::exists(scratch() / "nowhere.db"));
+  // What load --json prints, encode takes back.
+  const std::string store = storeOption("road.db");
+  const Result committed = run(
+      "commit cStemsPersist --set TotalNetWeight=125.5 --set ProductionRunId=77 --json " + store);
+  ASSERT_EQ(committed.status, 0) << committed.err;
+  const Result loaded = run("load cStemsPersist --json " + store);
+  EXPECT_EQ(loaded.out, committed.out);
+  const Result encoded = run("encode cStemsPersist", loaded.out);
+  ASSERT_EQ(encoded.status, 0) << encoded.err;
+  const Result decoded = run("decode cStemsPersist --json --state '" +
+                             encoded.out.substr(0, encoded.out.size() - 1) + "'");
+  EXPECT_EQ(decoded.out.substr(0, committed.out.size() - 2),
+            committed.out.substr(0, committed.out.size() - 2));
+  EXPECT_EQ(run("encode cStemsPersist", "{\"StemsId\": \n").status, 2);
+  // The demo's hint runs the tool as it was run.
+  const Result demo = run("demo demo.db");
+  EXPECT_NE(demo.out.find(std::string("  ") + VRDPPO_CLI + " load cStemsPersist"),
+            std::string::npos)
+      << demo.out.substr(demo.out.size() > 300 ? demo.out.size() - 300 : 0);
 }
