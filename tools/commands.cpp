@@ -452,6 +452,9 @@ int showSql(const Options& o, std::ostream& out) {
 
 int load(const Options& o, std::ostream& out) {
   const ClassInfo& info = classNamed(className(o));
+  auto object = info.create();
+  const MemberInfo* m = info.member("Load");
+  const auto args = argumentsFor(info, *m, o, u"", connectionOf(o));
   // A read makes no store: a file that is not there would be created empty and read as such.
   const std::u16string connect = connectionOf(o);
   if (providers::nameFor(connect) == "embedded") {
@@ -461,9 +464,6 @@ int load(const Options& o, std::ostream& out) {
                                   "\": load reads a store that exists (commit or demo makes one)");
     }
   }
-  auto object = info.create();
-  const MemberInfo* m = info.member("Load");
-  const auto args = argumentsFor(info, *m, o, u"", connectionOf(o));
   const Variant state = registry::invoke(*object, "Load", args);
   printRecords(*info.layout, recordsOf(state.str()), o.json, out);
   return 0;
