@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "providers/embedded/store_files.hpp"
 #include "store_fixture.hpp"
 #include "vrdppo/text.hpp"
 
@@ -136,6 +137,42 @@ TEST_F(ConcurrencyTest, AChildForkedWhileThreadsWriteWritesAtOnce) {
   EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId >= 100"), 3 * kChildren);
   EXPECT_EQ(toLong(scalar(u"SELECT COUNT(*) FROM PICKINGS")),
             toLong(scalar(u"SELECT MAX(PICKINGSID) FROM PICKINGS")));
+}
+
+// A connection another thread keeps open across a fork would cross into the child with locks
+// the child does not hold: the fork waits a while for it, then the child refuses the store with
+// a clear error rather than write beside the parent without them. The parent goes on as before.
+TEST_F(ConcurrencyTest, AChildForkedWhileAConnectionIsHeldOpenRefusesTheStore) {
+  std::atomic<bool> opened{false};
+  std::atomic<bool> release{false};
+  std::thread holder([&] {
+    Client held(path_);
+    opened = true;
+    while (!release) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  });
+  while (!opened) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  const auto start = std::chrono::steady_clock::now();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    int code = 1;
+    try {
+      insertPicking(path_, 5, 1);
+    } catch (const Error& e) {
+      code = e.description().find("forked while another thread") != std::string::npos ? 0 : 2;
+    }
+    ::_exit(code);
+  }
+  const auto waited = std::chrono::steady_clock::now() - start;
+  release = true;
+  holder.join();
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "child status " << status;
+  EXPECT_GE(waited, std::chrono::milliseconds(kForkWaitMs));
+  EXPECT_LT(waited, std::chrono::milliseconds(kForkWaitMs + 2000));
+  insertPicking(path_, 6, 1);
+  EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId = 5"), 0);
+  EXPECT_EQ(count(u"PICKINGS WHERE ProductionRunId = 6"), 1);
 }
 
 // Processes that open a file no one has opened yet, all at the same moment, each write once:

@@ -42,6 +42,8 @@ struct Gate {
   std::mutex mutex;
   int active = 0;
   bool forking = false;
+  int crossing = 0;      // connections of other threads still open as the fork goes on
+  bool crossed = false;  // in a child: some did cross, and the store is refused here
 };
 
 Gate& gate() {
@@ -74,6 +76,7 @@ Files& files() {
         const auto until =
             std::chrono::steady_clock::now() + std::chrono::milliseconds(kForkWaitMs);
         while (g.active > mine && std::chrono::steady_clock::now() < until) pause(lock);
+        g.crossing = g.active - mine;
         lock.release();
         files().mutex.lock();
         files().closeAll();
@@ -85,8 +88,13 @@ Files& files() {
       },
       [] {
         files().mutex.unlock();
-        gate().forking = false;
-        gate().mutex.unlock();
+        Gate& g = gate();
+        // The other threads' connections never end here; what they leave makes the store unsafe
+        // in this process.
+        g.crossed = g.crossed || g.crossing > 0;
+        g.active -= g.crossing;
+        g.forking = false;
+        g.mutex.unlock();
       });
   (void)registered;
 #endif
@@ -377,12 +385,23 @@ void releaseConnection(const std::string& path, StoreConnectionPtr db, bool reus
 }
 
 StoreActivity::StoreActivity() {
-  if (activityDepth++ > 0) return;
+  if (activityDepth > 0) {
+    ++activityDepth;
+    return;
+  }
   files();  // the fork handlers registered before the first connection counts
   Gate& g = gate();
   std::unique_lock lock(g.mutex);
   while (g.forking) pause(lock);
+  if (g.crossed) {
+    throw openError(
+        "This process was forked while another thread of its parent had a store connection "
+        "open; SQLite's locks cannot be trusted here, so the store is not used in this process. "
+        "Close store connections before forking.",
+        SQLITE_MISUSE);
+  }
   ++g.active;
+  ++activityDepth;
 }
 
 StoreActivity::~StoreActivity() {

@@ -66,8 +66,10 @@ class StoreActivity {
   StoreActivity& operator=(const StoreActivity&) = delete;
 };
 
-// How long a fork waits for other threads' connections before it goes on regardless.
-inline constexpr int kForkWaitMs = kBusyTimeoutMs;
+// How long a fork waits for other threads' connections before it goes on: a statement ends in
+// milliseconds, a connection held open may never. Where one is still open, the child refuses the
+// store (every connection raises) rather than use it with locks it does not hold.
+inline constexpr int kForkWaitMs = 5000;
 
 // Closes what the process keeps on path and forgets that the file was prepared.
 void forgetStore(const std::string& path);
