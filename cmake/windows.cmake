@@ -67,19 +67,24 @@ configure_file(src/server/vrdppo.rc.in ${gen}/vrdppo.rc @ONLY)
 configure_file(src/frame/build_config.hpp.in ${gen}/vrdppo_build_config.hpp)
 set_source_files_properties(${gen}/vrdppo.rc PROPERTIES OBJECT_DEPENDS ${gen}/vrdppo.tlb)
 
-# Everything but the C interface: the DLL's surface is the four exports of the .def file.
-file(GLOB_RECURSE VRDPPO_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
-list(FILTER VRDPPO_SOURCES EXCLUDE REGEX "/src/capi/")
-add_library(vrdppo_dll SHARED ${VRDPPO_SOURCES} ${gen}/vrdppo.rc
+# Every layer but the C interface, the class server on top: the DLL's surface is the four
+# exports of the .def file.
+include(cmake/layers.cmake)
+set(VRDPPO_LAYERS frame providers classes check plant library server)
+foreach(layer IN LISTS VRDPPO_LAYERS)
+  vrdppo_add_layer(${layer})
+  target_include_directories(vrdppo_${layer} PRIVATE ${PROJECT_BINARY_DIR}/fmt/include
+                                                     ${VRDPPO_SQLITE_DIR})
+  target_compile_definitions(vrdppo_${layer} PRIVATE FMT_HEADER_ONLY UNICODE _UNICODE NOMINMAX
+                                                     _WIN32_WINNT=0x0601)
+endforeach()
+add_dependencies(vrdppo_server vrdppo_type_library)
+list(TRANSFORM VRDPPO_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:vrdppo_\\1>" OUTPUT_VARIABLE
+     VRDPPO_OBJECTS)
+add_library(vrdppo_dll SHARED ${VRDPPO_OBJECTS} ${gen}/vrdppo.rc
                               ${PROJECT_SOURCE_DIR}/src/server/vrdppo.def
                               $<TARGET_OBJECTS:vrdppo_sqlite>)
-add_dependencies(vrdppo_dll vrdppo_type_library)
 set_target_properties(vrdppo_dll PROPERTIES OUTPUT_NAME vrdppo PREFIX "")
-target_include_directories(vrdppo_dll PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src
-                                              ${gen} ${PROJECT_BINARY_DIR}/fmt/include
-                                              ${VRDPPO_SQLITE_DIR})
-target_compile_definitions(vrdppo_dll PRIVATE FMT_HEADER_ONLY UNICODE _UNICODE NOMINMAX
-                                              _WIN32_WINNT=0x0601)
 target_link_libraries(vrdppo_dll PRIVATE vrdppo_warnings odbc32 ole32 oleaut32 uuid advapi32)
 # No MinGW runtime DLL to ship: the C++ runtime and the thread library go inside.
 target_link_options(vrdppo_dll PRIVATE -static -static-libgcc -static-libstdc++)

@@ -70,9 +70,8 @@ class Buffer {
 
 // The state that Initialize and then Add of record after record leave GetState to give, built
 // in place: each record is written straight into storage taken in stretches as it fills, never
-// moved as it grows. A large finished state takes the stretches' pages where the system allows;
-// otherwise it is copied out once. The header's estimate and capacity follow the class's own
-// growth arithmetic, as do its errors.
+// moved as it grows, and copied out once into the finished state. The header's estimate and
+// capacity follow the class's own growth arithmetic, as do its errors.
 class BufferWriter {
  public:
   // Raises what Initialize raises.
@@ -93,7 +92,7 @@ class BufferWriter {
   struct Stretch {
     std::byte* storage;
     std::size_t bytes;    // of storage, which says how it was taken
-    char16_t* data;       // where its records start, a little way into its storage
+    char16_t* data;       // its records: the storage, as characters
     std::size_t records;  // whole record slots it holds
   };
   void addStretch();

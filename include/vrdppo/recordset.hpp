@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "vrdppo/text.hpp"
 #include "vrdppo/variant.hpp"
 #include "vrdppo/visibility.hpp"
 
@@ -67,9 +68,6 @@ class Recordset {
   std::size_t cellCount_ = 0;
   std::size_t pos_ = 0;  // current row
 };
-
-// Case-insensitive comparison of ASCII letters, as the classes compare names.
-bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept;
 
 }  // namespace vrdppo
 VRDPPO_PUBLIC_END

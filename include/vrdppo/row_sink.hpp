@@ -75,6 +75,9 @@ class RecordSink {
 
  private:
   void startRow();
+  // The fields in order, then take(); `inProvider` is true while the provider is asked for a
+  // value, so that whoever catches knows whose error it is.
+  void readRow(const void* providerRow, bool& inProvider);
   // After a field raised: the fields from `from` on as the initialiser leaves them, as if the
   // row had been begun by the initialiser.
   void restoreFrom(std::size_t from) noexcept;

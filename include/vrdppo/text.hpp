@@ -19,5 +19,8 @@ std::u16string ascii(std::string_view s);
 // U+0020 stripped from both ends (the platform's Trim: blanks only).
 std::u16string_view trimBlanks(std::u16string_view s) noexcept;
 
+// Case-insensitive comparison of ASCII letters, as the classes compare names.
+bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept;
+
 }  // namespace vrdppo
 VRDPPO_PUBLIC_END

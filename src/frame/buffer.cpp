@@ -11,7 +11,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "frame/pages.hpp"
+#include "frame/stretch_storage.hpp"
 #include "vrdppo/error.hpp"
 
 namespace vrdppo {
@@ -291,7 +291,7 @@ BufferWriter::~BufferWriter() {
 
 void BufferWriter::release() noexcept {
   for (const Stretch& s : stretches_) {
-    if (s.storage) pages::release(s.storage, s.bytes);
+    if (s.storage) stretches::release(s.storage, s.bytes);
   }
   stretches_.clear();
   slot_ = nullptr;
@@ -301,28 +301,19 @@ void BufferWriter::release() noexcept {
 void BufferWriter::addStretch() {
   const auto length = static_cast<std::size_t>(recordLength_);
   std::size_t records = firstRecords_;
-  std::size_t before = 8;  // where the stretch's first record goes in the state
   if (!stretches_.empty()) {
     records =
         std::max<std::size_t>(1, std::min(stretches_.back().records * 2, kStretchChars / length));
-    for (const Stretch& s : stretches_) before += s.records * length;
   }
   guardMemory([&] {
     stretches_.reserve(stretches_.size() + 1);
     return 0;
   });
   std::size_t bytes = records * length * sizeof(char16_t);
-  // Mapped storage starts its records where they will lie within a page of the state, so that
-  // the state can take its pages instead of a copy.
-  std::size_t skew = 0;
-  if (pages::mappedOnItsOwn(bytes)) {
-    skew = pages::offsetWithinPage(before * sizeof(char16_t));
-    bytes += skew;
-  }
-  auto* storage = static_cast<std::byte*>(pages::allocate(bytes));
+  auto* storage = static_cast<std::byte*>(stretches::allocate(bytes));
   if (!storage) throw Error::runtime(err::kOutOfMemory);
-  auto* data = reinterpret_cast<char16_t*>(storage + skew);
-  records = std::max(records, (bytes - skew) / (length * sizeof(char16_t)));  // all that it holds
+  auto* data = reinterpret_cast<char16_t*>(storage);
+  records = std::max(records, bytes / (length * sizeof(char16_t)));  // all that it holds
   stretches_.push_back({storage, bytes, data, records});
   slot_ = data;
   slotsLeft_ = records;
@@ -358,35 +349,31 @@ std::span<char16_t> BufferWriter::next() {
   return {at, chars};
 }
 
+// The state is written once: the header, each stretch's records (the stretch given back as soon
+// as they are out), then the blanks that growth leaves behind the last record.
 std::u16string BufferWriter::state() {
   const auto length = static_cast<std::size_t>(std::min<std::int64_t>(nextPosition_, textChars_));
-  const bool receives = pages::receivesPages(length);
-  auto fill = [&](char16_t* out, std::size_t n) {
-    if (!receives && n * sizeof(char16_t) >= 2 * pages::kHugePage) {
-      pages::adviseHuge(out, n * sizeof(char16_t));
-    }
-    char16_t header[8];
-    writeHeader(header, recordLength_, 0, estimate_, capacity_, count_);
-    std::size_t at = std::min<std::size_t>(8, n);
-    std::copy_n(header, at, out);
-    // Each stretch is given back once its records are out.
-    std::size_t records = std::min(static_cast<std::size_t>(nextPosition_ - 9), n - at);
-    for (Stretch& s : stretches_) {
-      const std::size_t chars =
-          std::min(records, s.records * static_cast<std::size_t>(recordLength_));
-      if (receives && pages::mappedOnItsOwn(s.bytes)) {
-        pages::move(out + at, s.data, chars);
-      } else {
-        std::copy_n(s.data, chars, out + at);
-      }
-      at += chars;
-      records -= chars;
-      pages::release(s.storage, s.bytes);
-      s.storage = nullptr;
-    }
-    std::fill(out + at, out + n, u' ');
-  };
-  std::u16string out = guardMemory([&] { return pages::filledString(length, fill); });
+  std::u16string out;
+  guardMemory([&] {
+    out.reserve(length);
+    return 0;
+  });
+  if (length * sizeof(char16_t) >= 2 * stretches::kHugePage) {
+    stretches::adviseHuge(out.data(), length * sizeof(char16_t));
+  }
+  char16_t header[8];
+  writeHeader(header, recordLength_, 0, estimate_, capacity_, count_);
+  out.append(header, std::min<std::size_t>(8, length));
+  std::size_t records = std::min(static_cast<std::size_t>(nextPosition_ - 9), length - out.size());
+  for (Stretch& s : stretches_) {
+    const std::size_t chars =
+        std::min(records, s.records * static_cast<std::size_t>(recordLength_));
+    out.append(s.data, chars);
+    records -= chars;
+    stretches::release(s.storage, s.bytes);
+    s.storage = nullptr;
+  }
+  out.append(length - out.size(), u' ');
   release();
   return out;
 }

@@ -3,7 +3,7 @@
 #include <mutex>
 #include <vector>
 
-#include "frame/builtin_providers.hpp"
+#include "frame/builtins.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/text.hpp"
 

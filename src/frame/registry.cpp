@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "frame/class_list.hpp"
+#include "frame/builtins.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/text.hpp"
@@ -277,7 +277,7 @@ const MemberInfo* ClassInfo::member(std::int32_t id) const noexcept {
 namespace registry {
 
 const std::vector<const ClassInfo*>& classes() {
-  static const std::vector<const ClassInfo*> all = allClasses();
+  static const std::vector<const ClassInfo*> all = builtinClasses();
   return all;
 }
 

@@ -36,10 +36,8 @@ void RecordSink::startRow() {
   if (rows_ != 0) return;
   // Every field is written by every row, so the initialiser runs once: for the trailing field,
   // and for what a failing row leaves behind.
-  failedInRecord_ = true;
   firstRow();
   initialiseRecord(layout_, record_);
-  failedInRecord_ = false;
 }
 
 void RecordSink::restoreFrom(std::size_t from) noexcept {
@@ -48,36 +46,41 @@ void RecordSink::restoreFrom(std::size_t from) noexcept {
 }
 
 void RecordSink::row(const void* providerRow) {
-  startRow();
+  bool inProvider = false;  // in the one call that asks the provider for a cell's value
+  try {
+    startRow();
+    readRow(providerRow, inProvider);
+  } catch (...) {
+    // What the provider raised names its statement; what the record raised does not.
+    failedInRecord_ = !inProvider;
+    throw;
+  }
+  ++rows_;
+}
+
+void RecordSink::readRow(const void* providerRow, bool& inProvider) {
   const auto& fields = layout_.columns;
   std::size_t i = 0;
   try {
     for (; i < fields.size(); ++i) {
       const CellReader& r = readers_[i];
       if (r.store) {
-        failedInRecord_ = true;
         r.store(providerRow, positions_[i], r.tag, fields[i], record_);
       } else {
         // A field without a column stops the first row there, the fields before it read: the
         // row is read in order until a column is missing.
-        if (r.value == nullptr) {
-          failedInRecord_ = true;
-          throw Error::runtime(err::kItemNotFound);
-        }
-        failedInRecord_ = false;
+        if (r.value == nullptr) throw Error::runtime(err::kItemNotFound);
+        inProvider = true;
         const Variant v = r.value(providerRow, positions_[i], r.tag);
-        failedInRecord_ = true;
+        inProvider = false;
         storeField(fields[i], record_, v);
       }
     }
-    failedInRecord_ = true;
     take(record_);
   } catch (...) {
     restoreFrom(i);
     throw;
   }
-  failedInRecord_ = false;
-  ++rows_;
 }
 
 namespace {

@@ -7,7 +7,6 @@
 #include "frame/decimal_number.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/locale.hpp"
-#include "vrdppo/recordset.hpp"
 #include "vrdppo/text.hpp"
 
 namespace vrdppo {

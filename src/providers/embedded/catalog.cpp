@@ -11,21 +11,6 @@
 
 namespace vrdppo::embedded {
 
-// Each subsystem's part of the store, in the order their schema depends on each other.
-const Catalog& storeCatalog() {
-  static const Catalog catalog = [] {
-    Catalog c;
-    addFrameCatalog(c);
-    addReferenceCatalog(c);
-    addProductionCatalog(c);
-    addGreenLeafCatalog(c);
-    addCagesCatalog(c);
-    addLabCatalog(c);
-    return c;
-  }();
-  return catalog;
-}
-
 namespace {
 
 std::string upper(std::string_view s) {

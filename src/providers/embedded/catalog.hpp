@@ -1,5 +1,5 @@
-// What a store holds: each subsystem's tables, views and stored procedures. A subsystem adds its
-// part in a function of its own, which catalog.cpp calls by name (nothing registers itself).
+// What a store holds: tables, views, other schema statements and stored procedures, declared in
+// the server's terms and applied to a store file.
 #pragma once
 
 #include <cstdint>
@@ -80,15 +80,8 @@ class Catalog {
   std::int32_t stamp_ = 1;
 };
 
-// The catalog of the store as this build ships it.
+// The schema and procedures every store file of this build holds. The engine knows no table of
+// its own: the unit that builds the store into the library defines this (src/plant).
 const Catalog& storeCatalog();
-
-// The parts, one per subsystem (catalog_<subsystem>.cpp).
-void addFrameCatalog(Catalog& c);
-void addReferenceCatalog(Catalog& c);
-void addProductionCatalog(Catalog& c);
-void addGreenLeafCatalog(Catalog& c);
-void addCagesCatalog(Catalog& c);
-void addLabCatalog(Catalog& c);
 
 }  // namespace vrdppo::embedded

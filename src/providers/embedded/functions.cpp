@@ -6,7 +6,6 @@
 #include <string>
 
 #include "providers/embedded/dates.hpp"
-#include "providers/embedded/session.hpp"
 
 namespace vrdppo::embedded {
 
@@ -226,10 +225,14 @@ void fnScopeIdentity(sqlite3_context* ctx, int, sqlite3_value**) {
   sqlite3_result_int64(ctx, id);
 }
 
+struct AuditTrail {
+  AuditTrailSource source;
+  const void* context;
+};
+
 void fnAuditTrailId(sqlite3_context* ctx, int, sqlite3_value**) {
-  const auto* slot = static_cast<const Session* const*>(sqlite3_user_data(ctx));
-  const Session* session = slot ? *slot : nullptr;
-  sqlite3_result_int(ctx, session ? session->auditTrailId() : 0);
+  const auto* at = static_cast<const AuditTrail*>(sqlite3_user_data(ctx));
+  sqlite3_result_int(ctx, at->source(at->context));
 }
 
 int collateDates(void*, int n1, const void* a, int n2, const void* b) {
@@ -239,7 +242,7 @@ int collateDates(void*, int n1, const void* a, int n2, const void* b) {
 
 }  // namespace
 
-int registerFunctions(sqlite3* db, const Session* const* session) {
+int registerFunctions(sqlite3* db, AuditTrailSource auditTrail, const void* context) {
   using Fn = void (*)(sqlite3_context*, int, sqlite3_value**);
   struct Def {
     const char* name;
@@ -267,9 +270,10 @@ int registerFunctions(sqlite3* db, const Session* const* session) {
   int rc = sqlite3_create_function_v2(db, "scope_identity", 0, SQLITE_UTF8, nullptr,
                                       fnScopeIdentity, nullptr, nullptr, nullptr);
   if (rc == SQLITE_OK) {
+    // SQLite destroys the pair with the function, or at once where it cannot make it.
     rc = sqlite3_create_function_v2(db, "audittrailid", 0, SQLITE_UTF8,
-                                    const_cast<const Session**>(session), fnAuditTrailId, nullptr,
-                                    nullptr, nullptr);
+                                    new AuditTrail{auditTrail, context}, fnAuditTrailId, nullptr,
+                                    nullptr, [](void* p) { delete static_cast<AuditTrail*>(p); });
   }
   if (rc == SQLITE_OK) {
     rc = sqlite3_create_collation_v2(db, "VDATE", SQLITE_UTF8, nullptr, collateDates, nullptr);

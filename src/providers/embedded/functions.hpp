@@ -2,6 +2,7 @@
 // connection.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 struct sqlite3;
@@ -10,12 +11,11 @@ struct sqlite3_value;
 
 namespace vrdppo::embedded {
 
-class Session;
+// What audittrailid() answers, asked of `source(context)` each time it runs.
+using AuditTrailSource = std::int32_t (*)(const void* context) noexcept;
 
-// Registers everything the dialect's translations call on db; the session that *session names
-// when audittrailid() runs gives it its value (0 without one, or without session). Returns
-// SQLite's result code.
-int registerFunctions(sqlite3* db, const Session* const* session);
+// Registers everything the dialect's translations call on db. Returns SQLite's result code.
+int registerFunctions(sqlite3* db, AuditTrailSource auditTrail, const void* context);
 // The date and conversion functions (GETDATE, DATEADD, CONVERT, ...).
 int registerDateFunctions(sqlite3* db);
 

@@ -2,15 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "providers/embedded/condition.hpp"
 #include "providers/embedded/dates.hpp"
 #include "providers/embedded/errors.hpp"
+#include "providers/embedded/literals.hpp"
 #include "providers/embedded/query.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/text.hpp"
@@ -18,47 +16,6 @@
 namespace vrdppo::embedded {
 
 namespace {
-
-// A float literal (one with an exponent) that no double holds is refused as a server refuses
-// it; SQLite would make it an infinity and keep it.
-void refuseFloatOutOfRange(std::u16string_view text) {
-  if (text.find_first_of(u"eE") == std::u16string_view::npos) return;
-  const std::string ascii = toUtf8(text);
-  errno = 0;
-  const double value = std::strtod(ascii.c_str(), nullptr);
-  if (!std::isinf(value) && errno != ERANGE) return;
-  // An underflow is a zero on a server too.
-  if (std::fabs(value) < 1.0) return;
-  throw storeError(err::kCommandError,
-                   "The floating point value '" + ascii +
-                       "' is out of the range of computer representation (8 bytes).",
-                   "42000", native::kFloatOutOfRange);
-}
-
-// A decimal literal with more significant digits than a double keeps (a Currency at its
-// limits has 19), as the exact value in the form "[-]digits e exponent"; nothing when a double
-// holds it. SQLite would read it as the nearest double.
-std::string exactDecimal(std::u16string_view text, bool negative) {
-  if (text.find_first_of(u"eE") != std::u16string_view::npos) return {};
-  std::string digits;
-  int exponent = 0;
-  bool point = false;
-  for (char16_t c : text) {
-    if (c == u'.') {
-      point = true;
-    } else {
-      if (!(digits.empty() && c == u'0')) digits += static_cast<char>(c);
-      if (point) --exponent;
-    }
-  }
-  while (!digits.empty() && digits.back() == '0') {
-    digits.pop_back();
-    ++exponent;
-  }
-  // An integer literal is an exact integer to SQLite already, or a float for a server too.
-  if (!point || digits.size() <= 15) return {};
-  return (negative ? "-" : "") + digits + "e" + std::to_string(exponent);
-}
 
 // Words that end a table reference in a FROM list rather than name its alias.
 constexpr std::array<std::u16string_view, 18> kNotAliases{
@@ -70,24 +27,6 @@ bool isNotAlias(std::u16string_view word) {
     if (equalsNoCase(w, word)) return true;
   }
   return false;
-}
-
-void appendStringLiteral(std::u16string& out, std::u16string_view value) {
-  out += u'\'';
-  for (char16_t c : value) {
-    if (c == u'\'') out += u'\'';
-    out += c;
-  }
-  out += u'\'';
-}
-
-void appendIdentifier(std::u16string& out, std::u16string_view name) {
-  out += u'"';
-  for (char16_t c : name) {
-    if (c == u'"') out += u'"';
-    out += c;
-  }
-  out += u'"';
 }
 
 // Functions whose first argument is a bare datepart word (day, month, yy, ...).
@@ -204,118 +143,138 @@ class Translator {
       if (out_.empty() || out_.back() != u'-') return false;
       out_.pop_back();  // the sign, which the blob carries
     }
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    out_ += u"X'";
-    for (unsigned char c : exact) {
-      out_ += static_cast<char16_t>(kHex[c >> 4]);
-      out_ += static_cast<char16_t>(kHex[c & 15]);
-    }
-    out_ += u'\'';
+    appendBlob(out_, exact);
     return true;
   }
 
-  void emit(std::size_t begin, std::size_t end) {
+  // What emit() keeps while it writes a run of tokens.
+  struct Run {
+    std::size_t begin;
+    std::size_t end;
     std::vector<Frame> frames{{kNone}};
-    std::size_t parensEnd = 0;  // the first token after the run of "(" last looked at
+    std::size_t parensEnd = 0;    // the first token after the run of "(" last looked at
+    bool pendingCollate = false;  // the call just written yields a date text
+
     // Where the innermost open parentheses close.
-    const auto frameEnd = [&] {
-      return frames.back().open == kNone ? end : t_.closing(frames.back().open, end);
-    };
-    bool pendingCollate = false;
+    std::size_t frameEnd(const Tokens& t) const {
+      return frames.back().open == kNone ? end : t.closing(frames.back().open, end);
+    }
+  };
+
+  // Writes tokens [begin, end) to out_, each by its kind.
+  void emit(std::size_t begin, std::size_t end) {
+    Run run{begin, end};
     for (std::size_t i = begin; i < end; ++i) {
       if (drop_[i]) continue;
-      const Token& tok = t_[i];
-      const auto text = t_.text(i);
-      switch (tok.kind) {
+      switch (t_[i].kind) {
         case Tok::Space:
         case Tok::Comment:
           space();
           break;
         case Tok::Number:
-          refuseFloatOutOfRange(text);
-          if (!exactValue(i, begin, end)) out_ += text;
-          break;
         case Tok::String:
-          out_ += text;
-          caseless(text);
-          break;
         case Tok::Quoted:
-          if (qi_) {
-            out_ += text;
-          } else {
-            appendStringLiteral(out_, unquote(text));
-            caseless(text);
-          }
+          literal(i, run);
           break;
         case Tok::Bracketed:
           if (isSchemaPrefix(i)) {
             ++i;
           } else {
-            appendIdentifier(out_, unquote(text));
+            appendIdentifier(out_, unquote(t_.text(i)));
           }
           break;
         case Tok::Variable:
-          if (equalsNoCase(text, u"@@IDENTITY")) {
-            out_ += u"scope_identity()";
-          } else {
-            throw storeError(err::kCommandError,
-                             "Must declare the scalar variable \"" + toUtf8(text) + "\".", "42000",
-                             137);
-          }
+          variable(t_.text(i));
           break;
         case Tok::Punct:
-          if (t_.isPunct(i, u'(')) {
-            if (i >= parensEnd) {
-              // A run of "(" shares what follows it: look once per run, not once per "(".
-              parensEnd = i + 1;
-              while (parensEnd < end && (isBlank(parensEnd) || t_.isPunct(parensEnd, u'('))) {
-                ++parensEnd;
-              }
-            }
-            const bool leads = parensEnd < end && t_.isWord(parensEnd, u"SELECT");
-            const std::size_t close = leads ? t_.closing(i, end) : end;
-            const bool subquery = close < end && isQuery(t_, i + 1, close);
-            const std::size_t after = subquery ? t_.skip(close + 1, end) : end;
-            if (after < end && isSetOperator(t_, after)) {
-              // INSERT ... (SELECT ...) UNION ...: the parentheses hold the query's first member.
-              const std::size_t stop = frameEnd();
-              query(i, stop);
-              i = stop - 1;
-              break;
-            }
-            out_ += u'(';
-            if (subquery) {
-              query(i + 1, close);  // its own TOP, ORDER BY and aliases
-              out_ += u')';
-              i = close;
-            } else {
-              frames.push_back({i, pendingCollate});
-            }
-            pendingCollate = false;
-          } else if (t_.isPunct(i, u')') && frames.size() > 1) {
-            const Frame f = frames.back();
-            frames.pop_back();
-            out_ += u')';
-            if (f.collate) {
-              out_ += u" COLLATE ";
-              out_ += kDateCollation;
-            }
-          } else {
-            out_ += text;
-          }
+          i = punct(i, run);
           break;
         case Tok::Word:
           if (t_.isWord(i, u"SELECT")) {
             // INSERT ... SELECT, WITH ... SELECT: the query runs to the end of its parentheses.
-            const std::size_t stop = frameEnd();
+            const std::size_t stop = run.frameEnd(t_);
             query(i, stop);
             i = stop - 1;
           } else {
-            i = word(i, end, frames, pendingCollate);
+            i = word(i, end, run.frames, run.pendingCollate);
           }
           break;
       }
     }
+  }
+
+  // A number, a string, or a "..." that is a string with QUOTED_IDENTIFIER off.
+  void literal(std::size_t i, const Run& run) {
+    const auto text = t_.text(i);
+    if (t_[i].kind == Tok::Number) {
+      refuseFloatOutOfRange(text);
+      if (!exactValue(i, run.begin, run.end)) out_ += text;
+    } else if (t_[i].kind == Tok::Quoted && qi_) {
+      out_ += text;
+    } else {
+      if (t_[i].kind == Tok::String) {
+        out_ += text;
+      } else {
+        appendStringLiteral(out_, unquote(text));
+      }
+      caseless(text);
+    }
+  }
+
+  // Only @@IDENTITY has a meaning here: the statements declare no variables.
+  void variable(std::u16string_view text) {
+    if (!equalsNoCase(text, u"@@IDENTITY")) {
+      throw storeError(err::kCommandError,
+                       "Must declare the scalar variable \"" + toUtf8(text) + "\".", "42000", 137);
+    }
+    out_ += u"scope_identity()";
+  }
+
+  // Parentheses open a subquery, a query's first member or a frame of their own, and close one;
+  // any other punctuation stands as it is. Returns the last token consumed.
+  std::size_t punct(std::size_t i, Run& run) {
+    const std::size_t end = run.end;
+    if (t_.isPunct(i, u')') && run.frames.size() > 1) {
+      const Frame f = run.frames.back();
+      run.frames.pop_back();
+      out_ += u')';
+      if (f.collate) {
+        out_ += u" COLLATE ";
+        out_ += kDateCollation;
+      }
+      return i;
+    }
+    if (!t_.isPunct(i, u'(')) {
+      out_ += t_.text(i);
+      return i;
+    }
+    if (i >= run.parensEnd) {
+      // A run of "(" shares what follows it: look once per run, not once per "(".
+      run.parensEnd = i + 1;
+      while (run.parensEnd < end && (isBlank(run.parensEnd) || t_.isPunct(run.parensEnd, u'('))) {
+        ++run.parensEnd;
+      }
+    }
+    const bool leads = run.parensEnd < end && t_.isWord(run.parensEnd, u"SELECT");
+    const std::size_t close = leads ? t_.closing(i, end) : end;
+    const bool subquery = close < end && isQuery(t_, i + 1, close);
+    const std::size_t after = subquery ? t_.skip(close + 1, end) : end;
+    if (after < end && isSetOperator(t_, after)) {
+      // INSERT ... (SELECT ...) UNION ...: the parentheses hold the query's first member.
+      const std::size_t stop = run.frameEnd(t_);
+      query(i, stop);
+      return stop - 1;
+    }
+    out_ += u'(';
+    if (subquery) {
+      query(i + 1, close);  // its own TOP, ORDER BY and aliases
+      out_ += u')';
+      i = close;
+    } else {
+      run.frames.push_back({i, run.pendingCollate});
+    }
+    run.pendingCollate = false;
+    return i;
   }
 
   // Emits the word at i and whatever it takes with it; returns the last token consumed.

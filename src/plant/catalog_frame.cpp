@@ -1,5 +1,5 @@
 // The frame's procedures: the two insert procedures and the audit trail id of a connection.
-#include "providers/embedded/catalog.hpp"
+#include "plant/catalog.hpp"
 #include "providers/embedded/session.hpp"
 
 namespace vrdppo::embedded {

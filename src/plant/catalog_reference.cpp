@@ -4,7 +4,7 @@
 #include <cctype>
 #include <string>
 
-#include "providers/embedded/catalog.hpp"
+#include "plant/catalog.hpp"
 #include "providers/embedded/errors.hpp"
 #include "providers/embedded/session.hpp"
 #include "vrdppo/text.hpp"

@@ -1,8 +1,8 @@
 // The laboratory: headers, settings, samples, summaries, advice notes, holds and exports.
 #include <string>
 
-#include "providers/embedded/catalog.hpp"
-#include "providers/embedded/catalog_lab.hpp"
+#include "plant/catalog.hpp"
+#include "plant/catalog_lab.hpp"
 
 namespace vrdppo::embedded {
 

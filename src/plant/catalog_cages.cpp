@@ -1,5 +1,5 @@
 // Cage tracking: cages, their status and contents, movements, the cage log.
-#include "providers/embedded/catalog.hpp"
+#include "plant/catalog.hpp"
 #include "providers/embedded/session.hpp"
 
 namespace vrdppo::embedded {

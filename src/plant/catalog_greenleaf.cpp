@@ -1,7 +1,7 @@
 // Green leaf: receipts, inventory, in-house figures, physical inventory, the new season log.
 #include <vector>
 
-#include "providers/embedded/catalog.hpp"
+#include "plant/catalog.hpp"
 #include "providers/embedded/session.hpp"
 
 namespace vrdppo::embedded {

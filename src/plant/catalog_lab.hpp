@@ -1,7 +1,7 @@
 // The laboratory's part of the catalog, split in two: schema and procedures.
 #pragma once
 
-#include "providers/embedded/catalog.hpp"
+#include "plant/catalog.hpp"
 
 namespace vrdppo::embedded {
 

@@ -2,7 +2,7 @@
 // year, the run views, and the procedures that post, check, zap and prize a run.
 #include <string>
 
-#include "providers/embedded/catalog.hpp"
+#include "plant/catalog.hpp"
 #include "providers/embedded/session.hpp"
 #include "vrdppo/text.hpp"
 

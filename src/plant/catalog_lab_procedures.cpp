@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "providers/embedded/catalog_lab.hpp"
+#include "plant/catalog_lab.hpp"
 #include "providers/embedded/session.hpp"
 
 namespace vrdppo::embedded {
