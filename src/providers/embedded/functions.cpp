@@ -225,14 +225,9 @@ void fnScopeIdentity(sqlite3_context* ctx, int, sqlite3_value**) {
   sqlite3_result_int64(ctx, id);
 }
 
-struct AuditTrail {
-  AuditTrailSource source;
-  const void* context;
-};
-
 void fnAuditTrailId(sqlite3_context* ctx, int, sqlite3_value**) {
-  const auto* at = static_cast<const AuditTrail*>(sqlite3_user_data(ctx));
-  sqlite3_result_int(ctx, at->source(at->context));
+  const auto* source = static_cast<const AuditTrailSource*>(sqlite3_user_data(ctx));
+  sqlite3_result_int(ctx, source->read(source->context));
 }
 
 int collateDates(void*, int n1, const void* a, int n2, const void* b) {
@@ -242,7 +237,7 @@ int collateDates(void*, int n1, const void* a, int n2, const void* b) {
 
 }  // namespace
 
-int registerFunctions(sqlite3* db, AuditTrailSource auditTrail, const void* context) {
+int registerFunctions(sqlite3* db, const AuditTrailSource* auditTrail) {
   using Fn = void (*)(sqlite3_context*, int, sqlite3_value**);
   struct Def {
     const char* name;
@@ -270,10 +265,9 @@ int registerFunctions(sqlite3* db, AuditTrailSource auditTrail, const void* cont
   int rc = sqlite3_create_function_v2(db, "scope_identity", 0, SQLITE_UTF8, nullptr,
                                       fnScopeIdentity, nullptr, nullptr, nullptr);
   if (rc == SQLITE_OK) {
-    // SQLite destroys the pair with the function, or at once where it cannot make it.
     rc = sqlite3_create_function_v2(db, "audittrailid", 0, SQLITE_UTF8,
-                                    new AuditTrail{auditTrail, context}, fnAuditTrailId, nullptr,
-                                    nullptr, [](void* p) { delete static_cast<AuditTrail*>(p); });
+                                    const_cast<AuditTrailSource*>(auditTrail), fnAuditTrailId,
+                                    nullptr, nullptr, nullptr);
   }
   if (rc == SQLITE_OK) {
     rc = sqlite3_create_collation_v2(db, "VDATE", SQLITE_UTF8, nullptr, collateDates, nullptr);

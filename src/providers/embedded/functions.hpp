@@ -11,11 +11,15 @@ struct sqlite3_value;
 
 namespace vrdppo::embedded {
 
-// What audittrailid() answers, asked of `source(context)` each time it runs.
-using AuditTrailSource = std::int32_t (*)(const void* context) noexcept;
+// What audittrailid() answers: `read(context)`, asked each time it runs.
+struct AuditTrailSource {
+  std::int32_t (*read)(const void* context) noexcept;
+  const void* context;
+};
 
-// Registers everything the dialect's translations call on db. Returns SQLite's result code.
-int registerFunctions(sqlite3* db, AuditTrailSource auditTrail, const void* context);
+// Registers everything the dialect's translations call on db; `auditTrail` outlives db.
+// Returns SQLite's result code.
+int registerFunctions(sqlite3* db, const AuditTrailSource* auditTrail);
 // The date and conversion functions (GETDATE, DATEADD, CONVERT, ...).
 int registerDateFunctions(sqlite3* db);
 

@@ -263,16 +263,12 @@ StoreConnectionPtr openConnection(const std::string& path, const Session* sessio
   // A double-quoted name that is no column stays an error, as on a server.
   if (rc == SQLITE_OK) rc = sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   if (rc == SQLITE_OK) rc = sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-  if (rc == SQLITE_OK) {
-    // The id of whichever session holds the connection when the function runs (0 for none).
-    rc = registerFunctions(
-        raw,
-        [](const void* slot) noexcept -> std::int32_t {
-          const Session* holder = *static_cast<const Session* const*>(slot);
-          return holder ? holder->auditTrailId() : 0;
-        },
-        &connection->session);
-  }
+  connection->auditTrail = {[](const void* slot) noexcept -> std::int32_t {
+                              const Session* holder = *static_cast<const Session* const*>(slot);
+                              return holder ? holder->auditTrailId() : 0;
+                            },
+                            &connection->session};
+  if (rc == SQLITE_OK) rc = registerFunctions(raw, &connection->auditTrail);
   if (rc == SQLITE_OK && readOnly.empty())
     rc = sqlite3_exec(raw, "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
   // The connection that prepares the file sets it up; every other one runs statements.

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "providers/embedded/functions.hpp"
 #include "providers/embedded/sqlite_handles.hpp"
 
 namespace vrdppo::embedded {
@@ -20,6 +21,8 @@ struct StoreConnection {
   // The session that audittrailid() reads, through this slot, so that handing the connection to
   // another session redefines no function and so expires none of the statements kept.
   const Session* session = nullptr;
+  // How audittrailid() reads it: the holder's id, 0 for none.
+  AuditTrailSource auditTrail{};
   ConnectionHandle db;
   // Declared last, so that it finalizes its statements before db closes.
   StatementCache statements;
