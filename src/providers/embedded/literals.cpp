@@ -45,22 +45,26 @@ std::string exactDecimal(std::u16string_view text, bool negative) {
   return (negative ? "-" : "") + digits + "e" + std::to_string(exponent);
 }
 
-void appendStringLiteral(std::u16string& out, std::u16string_view value) {
-  out += u'\'';
-  for (char16_t c : value) {
-    if (c == u'\'') out += u'\'';
+namespace {
+
+// The text between two quotes, each quote inside it doubled.
+void appendQuoted(std::u16string& out, std::u16string_view text, char16_t quote) {
+  out += quote;
+  for (char16_t c : text) {
+    if (c == quote) out += quote;
     out += c;
   }
-  out += u'\'';
+  out += quote;
+}
+
+}  // namespace
+
+void appendStringLiteral(std::u16string& out, std::u16string_view value) {
+  appendQuoted(out, value, u'\'');
 }
 
 void appendIdentifier(std::u16string& out, std::u16string_view name) {
-  out += u'"';
-  for (char16_t c : name) {
-    if (c == u'"') out += u'"';
-    out += c;
-  }
-  out += u'"';
+  appendQuoted(out, name, u'"');
 }
 
 void appendBlob(std::u16string& out, std::string_view bytes) {
