@@ -19,6 +19,10 @@ std::u16string ascii(std::string_view s);
 // U+0020 stripped from both ends (the platform's Trim: blanks only).
 std::u16string_view trimBlanks(std::u16string_view s) noexcept;
 
+// ASCII upper case, for names and keywords compared as the server compares them.
+std::u16string upperAscii(std::u16string_view s);
+std::string upperAscii(std::string_view s);
+
 // Case-insensitive comparison of ASCII letters, as the classes compare names.
 bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept;
 

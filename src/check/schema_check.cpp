@@ -22,17 +22,6 @@ namespace vrdppo {
 
 namespace {
 
-std::string upper(std::string s) {
-  for (auto& c : s) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  }
-  return s;
-}
-
-std::string utf8(std::u16string_view s) {
-  return toUtf8(s);
-}
-
 std::string textOf(const Variant& v) {
   return v.isNull() ? std::string() : toUtf8(toString(v));
 }
@@ -44,7 +33,7 @@ std::string bareName(std::u16string_view name) {
   if (name.size() >= 2 && name.front() == u'[' && name.back() == u']') {
     name = name.substr(1, name.size() - 2);
   }
-  return utf8(name);
+  return toUtf8(name);
 }
 
 // --- the database's side, as its catalog says ---
@@ -90,12 +79,12 @@ Database readCatalog(const std::u16string& connect,
   for (auto rs = c.OpenSchema(SchemaKind::Tables); !rs->EOF_(); rs->MoveNext()) {
     DbSource s;
     s.name = textOf(rs->Fields(u"TABLE_NAME"));
-    s.view = upper(textOf(rs->Fields(u"TABLE_TYPE"))) == "VIEW";
-    db.sources.emplace(upper(s.name), std::move(s));
+    s.view = upperAscii(textOf(rs->Fields(u"TABLE_TYPE"))) == "VIEW";
+    db.sources.emplace(upperAscii(s.name), std::move(s));
   }
   say("reading the columns");
   for (auto rs = c.OpenSchema(SchemaKind::Columns); !rs->EOF_(); rs->MoveNext()) {
-    const auto it = db.sources.find(upper(textOf(rs->Fields(u"TABLE_NAME"))));
+    const auto it = db.sources.find(upperAscii(textOf(rs->Fields(u"TABLE_NAME"))));
     if (it == db.sources.end()) continue;
     DbColumn col;
     col.name = textOf(rs->Fields(u"COLUMN_NAME"));
@@ -107,20 +96,20 @@ Database readCatalog(const std::u16string& connect,
     col.precision = intOf(rs->Fields(u"NUMERIC_PRECISION"));
     col.scale = intOf(rs->Fields(u"NUMERIC_SCALE"));
     col.identity = intOf(rs->Fields(u"IS_IDENTITY")) != 0;
-    it->second.columns.emplace(upper(col.name), std::move(col));
+    it->second.columns.emplace(upperAscii(col.name), std::move(col));
   }
   say("reading the procedures");
   for (auto rs = c.OpenSchema(SchemaKind::Procedures); !rs->EOF_(); rs->MoveNext()) {
     DbProcedure p;
     p.name = textOf(rs->Fields(u"PROCEDURE_NAME"));
-    db.procedures.emplace(upper(p.name), std::move(p));
+    db.procedures.emplace(upperAscii(p.name), std::move(p));
   }
   for (auto rs = c.OpenSchema(SchemaKind::ProcedureParameters); !rs->EOF_(); rs->MoveNext()) {
-    const auto it = db.procedures.find(upper(textOf(rs->Fields(u"PROCEDURE_NAME"))));
+    const auto it = db.procedures.find(upperAscii(textOf(rs->Fields(u"PROCEDURE_NAME"))));
     if (it == db.procedures.end()) continue;
     std::string name = textOf(rs->Fields(u"PARAMETER_NAME"));
     if (!name.empty() && name.front() == '@') name.erase(0, 1);
-    if (!name.empty()) it->second.parameters.push_back(upper(name));
+    if (!name.empty()) it->second.parameters.push_back(upperAscii(name));
   }
   c.Close();
   return db;
@@ -301,8 +290,8 @@ class Checker {
     const auto object = info.create();
     const RecordLayout& layout = *info.layout;
     const std::string source = info.source;
-    sources_.insert(upper(source));
-    const auto it = db_.sources.find(upper(source));
+    sources_.insert(upperAscii(source));
+    const auto it = db_.sources.find(upperAscii(source));
     if (it == db_.sources.end()) {
       add(SchemaFinding::Severity::Problem, info.name, source,
           info.isView ? "the view it loads from" : "the table it loads and writes", "none");
@@ -314,7 +303,7 @@ class Checker {
     std::map<std::string, Use> uses;
     std::vector<std::string> order;
     const auto use = [&](const std::string& name, const Column* field, bool written) {
-      auto [u, fresh] = uses.try_emplace(upper(name));
+      auto [u, fresh] = uses.try_emplace(upperAscii(name));
       if (fresh) order.push_back(name);
       if (field && !u->second.field) u->second.field = field;
       (written ? u->second.written : u->second.read) = true;
@@ -343,9 +332,9 @@ class Checker {
     }
 
     for (const auto& name : order) {
-      const Use& u = uses.at(upper(name));
-      columns_.insert(upper(source) + "." + upper(name));
-      const auto col = db.columns.find(upper(name));
+      const Use& u = uses.at(upperAscii(name));
+      columns_.insert(upperAscii(source) + "." + upperAscii(name));
+      const auto col = db.columns.find(upperAscii(name));
       const std::string where = db.name + "." + name;
       if (col == db.columns.end()) {
         add(SchemaFinding::Severity::Problem, info.name, where,
@@ -367,8 +356,8 @@ class Checker {
 
   // A new record's insert answers the key its procedure reads back as the new identity.
   void checkKey(const std::string& className, const DbSource& db, const std::string& key) {
-    columns_.insert(upper(db.name) + "." + upper(key));
-    const auto col = db.columns.find(upper(key));
+    columns_.insert(upperAscii(db.name) + "." + upperAscii(key));
+    const auto col = db.columns.find(upperAscii(key));
     const std::string where = db.name + "." + key;
     if (col == db.columns.end()) {
       add(SchemaFinding::Severity::Problem, className, where, "the key, an identity column",
@@ -382,11 +371,11 @@ class Checker {
 
   void checkProcedure(const std::string& caller, std::u16string_view procedure,
                       const std::vector<std::u16string_view>& named, int positional) {
-    const std::string name = utf8(procedure);
-    const std::string key = upper(name) + "/" + caller;
+    const std::string name = toUtf8(procedure);
+    const std::string key = upperAscii(name) + "/" + caller;
     if (!checked_.insert(key).second) return;
-    procedures_.insert(upper(name));
-    const auto it = db_.procedures.find(upper(name));
+    procedures_.insert(upperAscii(name));
+    const auto it = db_.procedures.find(upperAscii(name));
     if (it == db_.procedures.end()) {
       add(SchemaFinding::Severity::Problem, caller, name, "a stored procedure it calls", "none");
       return;
@@ -395,8 +384,8 @@ class Checker {
     std::string has = parameters.empty() ? "no parameters" : "";
     for (const auto& p : parameters) has += (has.empty() ? "@" : ", @") + p;
     for (const auto given : named) {
-      const std::string parameter = "@" + utf8(given);
-      if (std::find(parameters.begin(), parameters.end(), upper(parameter.substr(1))) ==
+      const std::string parameter = "@" + toUtf8(given);
+      if (std::find(parameters.begin(), parameters.end(), upperAscii(parameter.substr(1))) ==
           parameters.end()) {
         add(SchemaFinding::Severity::Problem, caller, fmt::format("{} {}", name, parameter),
             "a parameter " + parameter + ", passed by name", has);

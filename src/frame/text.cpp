@@ -95,6 +95,26 @@ std::u16string_view trimBlanks(std::u16string_view s) noexcept {
   return s.substr(first, last - first + 1);
 }
 
+namespace {
+
+template <class S>
+S upperOf(S s) {
+  for (auto& c : s) {
+    if (c >= 'a' && c <= 'z') c = static_cast<typename S::value_type>(c - 32);
+  }
+  return s;
+}
+
+}  // namespace
+
+std::u16string upperAscii(std::u16string_view s) {
+  return upperOf(std::u16string(s));
+}
+
+std::string upperAscii(std::string_view s) {
+  return upperOf(std::string(s));
+}
+
 bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {

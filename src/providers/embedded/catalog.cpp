@@ -13,14 +13,6 @@ namespace vrdppo::embedded {
 
 namespace {
 
-std::string upper(std::string_view s) {
-  std::string out(s);
-  for (auto& c : out) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  }
-  return out;
-}
-
 std::string_view trim(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\n' || s.front() == '\t'))
     s.remove_prefix(1);
@@ -48,34 +40,34 @@ std::vector<std::string_view> splitColumns(std::string_view columns) {
   return out;
 }
 
-// A column as the store declares it: texts compare without regard to case and dates by their
-// moments, as on the server; a text longer than its declared length is refused, as the server
-// refuses it, though blanks at its end are let through (the server drops them).
-// The type word of a column definition, in upper case; empty when it has none.
-std::string typeOf(const std::string& up) {
+// The type word of a column definition in upper case, a view into it; empty when it has none.
+std::string_view typeOf(std::string_view up) {
   const auto nameEnd = up.find(' ');
   const auto typeStart = up.find_first_not_of(' ', nameEnd);
-  if (typeStart == std::string::npos) return {};
+  if (typeStart == std::string_view::npos) return {};
   const auto typeEnd = up.find_first_of(" (", typeStart);
-  return up.substr(typeStart,
-                   typeEnd == std::string::npos ? std::string::npos : typeEnd - typeStart);
+  return up.substr(
+      typeStart, typeEnd == std::string_view::npos ? std::string_view::npos : typeEnd - typeStart);
 }
 
-bool isDateType(const std::string& type) {
+bool isDateType(std::string_view type) {
   return type == "DATETIME" || type == "DATE" || type == "SMALLDATETIME";
 }
 
+// A column as the store declares it: texts compare without regard to case and dates by their
+// moments, as on the server; a text longer than its declared length is refused, as the server
+// refuses it, though blanks at its end are let through (the server drops them).
 std::string storeDefinition(std::string_view definition) {
   std::string def(definition);
-  const std::string up = upper(definition);
+  const std::string up = upperAscii(definition);
   const auto nameEnd = up.find(' ');
-  const std::string type = typeOf(up);
+  const std::string_view type = typeOf(up);
   if (type.empty()) return def;
-  const auto typeEnd = up.find_first_of(" (", up.find(type, nameEnd));
+  const auto typeEnd = static_cast<std::size_t>(type.data() - up.data()) + type.size();
   if (type == "VARCHAR" || type == "NVARCHAR" || type == "CHAR" || type == "NCHAR" ||
       type == "TEXT" || type == "NTEXT") {
     if (up.find(" COLLATE ") == std::string::npos) def += " COLLATE NOCASE";
-    if (typeEnd != std::string::npos && up[typeEnd] == '(') {
+    if (typeEnd < up.size() && up[typeEnd] == '(') {
       const auto close = up.find(')', typeEnd);
       const std::string size = up.substr(typeEnd + 1, close - typeEnd - 1);
       if (!size.empty() && size.find_first_not_of("0123456789") == std::string::npos) {
@@ -98,7 +90,7 @@ std::unordered_set<std::string> existingColumns(sqlite3* db, const std::string& 
   Statement st(db, std::string_view("SELECT name FROM pragma_table_info(?1)"), Purpose::Setup);
   st.bindText(1, table);
   while (st.step()) {
-    names.insert(upper(reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0))));
+    names.insert(upperAscii(reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0))));
   }
   return names;
 }
@@ -123,7 +115,7 @@ void Catalog::table(std::string name, std::string_view columns) {
     t.columns.emplace_back(std::string(def.substr(0, space)), storeDefinition(def));
     d.columns.emplace_back(t.columns.back().first, std::string(def));
     mix(t.columns.back().second);
-    if (isDateType(typeOf(upper(def)))) t.dates.push_back(t.columns.back().first);
+    if (isDateType(typeOf(upperAscii(def)))) t.dates.push_back(t.columns.back().first);
   }
   if (!t.dates.empty()) mix(kDateRangeFunction);
   tables_.push_back(std::move(t));
@@ -175,7 +167,7 @@ void Catalog::apply(sqlite3* db) const {
       continue;
     }
     for (const auto& [column, def] : t.columns) {
-      if (!existing.contains(upper(column)))
+      if (!existing.contains(upperAscii(column)))
         run(db, "ALTER TABLE " + t.name + " ADD COLUMN " + def);
     }
   }

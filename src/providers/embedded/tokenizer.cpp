@@ -221,12 +221,4 @@ std::u16string nameOf(const Tokens& t, std::size_t i) {
   return std::u16string(t.text(i));
 }
 
-std::u16string upperAscii(std::u16string_view s) {
-  std::u16string out(s);
-  for (auto& c : out) {
-    if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
-  }
-  return out;
-}
-
 }  // namespace vrdppo::embedded

@@ -66,7 +66,4 @@ std::u16string unquote(std::u16string_view token);
 // A name as the dialect compares it: a Word's text, or a Quoted or Bracketed token's value.
 std::u16string nameOf(const Tokens& t, std::size_t i);
 
-// ASCII upper case of a short word, for comparing keywords.
-std::u16string upperAscii(std::u16string_view s);
-
 }  // namespace vrdppo::embedded
