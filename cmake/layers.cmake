@@ -39,7 +39,7 @@ set(VRDPPO_LAYER_SOURCES_check check/procedure_calls.cpp check/schema_check.cpp)
 set(VRDPPO_LAYER_SOURCES_plant
     plant/catalog.cpp plant/catalog_cages.cpp plant/catalog_frame.cpp plant/catalog_greenleaf.cpp
     plant/catalog_lab.cpp plant/catalog_lab_procedures.cpp plant/catalog_production.cpp
-    plant/catalog_reference.cpp)
+    plant/catalog_reference.cpp plant/procedures.cpp)
 set(VRDPPO_LAYER_SOURCES_library library/builtins.cpp)
 set(VRDPPO_LAYER_SOURCES_capi capi/capi.cpp)
 set(VRDPPO_LAYER_SOURCES_server server/classes.cpp server/exports.cpp server/module.cpp

@@ -4,6 +4,7 @@
 
 #include <mutex>
 
+#include "plant/procedures.hpp"
 #include "providers/odbc/odbc_provider.hpp"
 #include "vrdppo/cages/cages.hpp"
 #include "vrdppo/cages/movements.hpp"
@@ -35,6 +36,7 @@ void registerBuiltinProviders() {
   static std::once_flag once;
   std::call_once(once, [] {
     odbc::registerProvider();
+    odbc::setKnownProcedures(plant::knownProcedures());
     embedded::registerProvider();
   });
 }

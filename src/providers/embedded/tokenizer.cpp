@@ -79,7 +79,8 @@ Tokens::Tokens(std::u16string_view source) : src_(source) {
       while (i < s.size() && isSpace(s[i])) ++i;
       kind = Tok::Space;
     } else if (c == u'-' && i + 1 < s.size() && s[i + 1] == u'-') {
-      while (i < s.size() && s[i] != u'\n') ++i;
+      // The server ends a line comment at either line-end character, a lone CR included.
+      while (i < s.size() && s[i] != u'\n' && s[i] != u'\r') ++i;
       kind = Tok::Comment;
     } else if (c == u'/' && i + 1 < s.size() && s[i + 1] == u'*') {
       int depth = 0;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -115,10 +116,30 @@ std::optional<int> loginTimeoutIn(std::u16string_view connect) {
   return std::nullopt;
 }
 
+// Whether the string keeps its sessions out of the pool: Pooling=No or False (any case); Yes, True
+// or no Pooling key keep them in. Anything else is refused, as a mistyped time-out is, rather
+// than read as either.
 bool poolingRefused(std::u16string_view connect) {
-  const auto value = connectionValue(connect, kPoolingKey);
-  return equalsNoCase(value, u"No") || equalsNoCase(value, u"False") || value == u"0" ||
-         equalsNoCase(value, u"Off");
+  const std::u16string value = connectionValue(connect, kPoolingKey);
+  const std::u16string_view word = trimBlanks(value);
+  if (word.empty() || equalsNoCase(word, u"Yes") || equalsNoCase(word, u"True")) return false;
+  if (equalsNoCase(word, u"No") || equalsNoCase(word, u"False")) return true;
+  throw Error(err::kProviderFailure,
+              "[vrdppo.odbc] Invalid connection string attribute: " + toUtf8(kPoolingKey) + "=" +
+                  toUtf8(value) + " is neither Yes nor No",
+              kErrorSource, "01S00");
+}
+
+// How long a session taken from the pool may take to answer its first statement before it is
+// thrown away for a fresh login: a part of the login's bound, since some drivers wait as long
+// again for the server to acknowledge the cancel, and the fresh login must still fit.
+int probeSeconds(int loginSeconds) {
+  if (loginSeconds <= 0) loginSeconds = kDefaultLoginTimeout;
+  return std::max(1, loginSeconds / 4);
+}
+
+bool isTimeout(const Error& e) {
+  return e.sqlState() == "HYT00" || e.sqlState() == "HYT01";
 }
 
 // A failure of the link to the server rather than of the statement: after it the session is
@@ -168,7 +189,8 @@ class OdbcConnection final : public ProviderConnection {
   void open(const std::u16string& connect, const std::u16string& user,
             const std::u16string& password, int /*options*/) override {
     if (physical_) throw Error::runtime(err::kInvalidCall);
-    pooled_ = pool::enabled() && !poolingRefused(connect);
+    const bool refused = poolingRefused(connect);
+    pooled_ = pool::enabled() && !refused;
     if (const auto seconds = loginTimeoutIn(connect)) loginTimeout_ = *seconds;
     key_ = withCredentials(forTheDriver(connect), user, password);
     dirty_ = {};
@@ -208,21 +230,22 @@ class OdbcConnection final : public ProviderConnection {
  private:
   // What the statements on this hand-out may have left in the session.
   struct Dirty {
-    bool lasting = false;      // closed rather than kept
-    bool transaction = false;  // rolled back before it is kept
+    bool lasting = false;      // a statement not known to leave nothing: closed rather than kept
+    bool transaction = false;  // a statement failed: rolled back before it is kept
     bool dead = false;         // the link failed
   };
 
-  PhysicalPtr login() const {
+  PhysicalPtr login() const { return login(loginTimeout_); }
+
+  PhysicalPtr login(int seconds) const {
     auto physical = std::make_unique<PhysicalConnection>();
     Handle env(SQL_HANDLE_ENV, SQL_NULL_HANDLE);
     check(SQLSetEnvAttr(env.get(), SQL_ATTR_ODBC_VERSION,
                         reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0),
           env, "SQLSetEnvAttr");
     Handle dbc(SQL_HANDLE_DBC, env.get());
-    check(SQLSetConnectAttrW(
-              dbc.get(), SQL_ATTR_LOGIN_TIMEOUT,
-              reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(loginTimeout_)), 0),
+    check(SQLSetConnectAttrW(dbc.get(), SQL_ATTR_LOGIN_TIMEOUT,
+                             reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)), 0),
           dbc, "SQLSetConnectAttrW");
     auto text = wide(key_);
     check(SQLDriverConnectW(dbc.get(), nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
@@ -251,7 +274,7 @@ class OdbcConnection final : public ProviderConnection {
     if (!pooled_ || !physical.tsql || dirty_.lasting || dirty_.dead) return false;
     if (dirty_.transaction) {
       try {
-        direct(physical, u"IF @@TRANCOUNT > 0 ROLLBACK");
+        direct(physical, u"IF @@TRANCOUNT > 0 ROLLBACK", kDefaultCommandTimeout);
       } catch (const Error&) {
         return false;
       }
@@ -260,33 +283,43 @@ class OdbcConnection final : public ProviderConnection {
     return true;
   }
 
-  // Runs a statement of the pool's own on the session, dropping what it yields.
-  static void direct(PhysicalConnection& physical, std::u16string_view sql) {
+  // Runs a statement of the pool's own on the session, dropping what it yields, bounded by
+  // `seconds` where the driver bounds statements.
+  static void direct(PhysicalConnection& physical, std::u16string_view sql, int seconds) {
     Handle stmt(SQL_HANDLE_STMT, physical.dbc.get());
+    applyTimeout(stmt, seconds);
     auto text = wide(sql);
     const SQLRETURN rc =
         SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
     if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
   }
 
-  // A session taken from the pool answers its first statement, or it is replaced by a fresh one
-  // before anything of substance is sent: the gateway's own SET is that first statement, and
-  // goes again on the new session (sending a setting twice changes nothing); any other first
-  // statement is preceded by the setting a new session starts with, which is the test. True when
-  // the statement itself has run.
+  // A session taken from the pool answers its first statement within a part of the login's
+  // bound, or it is replaced by a fresh one before anything of substance is sent: the gateway's
+  // own SET is that first statement, and goes again on the new session (sending a setting twice
+  // changes nothing); any other first statement is preceded by the setting a new session starts
+  // with, which is the test. True when the statement itself has run.
   bool firstOnReused(const std::u16string& sql) {
     reused_ = false;
     if (!physical_->tsql) return false;
     const bool gatewaySet = equalsNoCase(trimBlanks(sql), kGatewaySet);
+    const auto start = std::chrono::steady_clock::now();
     try {
-      direct(*physical_, gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON");
+      direct(*physical_, gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON",
+             probeSeconds(loginTimeout_));
       return gatewaySet;
     } catch (const Error& e) {
-      if (!isLinkFailure(e, physical_->dbc)) throw;
+      if (!isTimeout(e) && !isLinkFailure(e, physical_->dbc)) throw;
+      // A session that does not answer is as good as dead, and so, most likely, are the others
+      // kept for the same server; what is left of the login's bound goes to a fresh one.
     }
     pool::purge(key_);
     physical_.reset();
-    physical_ = login();
+    const auto spent =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)
+            .count();
+    const int left = loginTimeout_ <= 0 ? 0 : std::max(1, loginTimeout_ - static_cast<int>(spent));
+    physical_ = login(left);
     auditPending_ = false;
     return false;
   }
@@ -297,7 +330,7 @@ class OdbcConnection final : public ProviderConnection {
     if (equalsNoCase(trimBlanks(sql), kGatewaySet)) return;  // the id, if any, comes next
     auditPending_ = false;
     if (gatewayAuditTrailId(sql)) return;
-    direct(*physical_, u"exec ZZ_SetAuditTrailID NULL");
+    direct(*physical_, u"exec ZZ_SetAuditTrailID NULL", kDefaultCommandTimeout);
     physical_->auditTrailId = 0;
   }
 
@@ -317,15 +350,14 @@ class OdbcConnection final : public ProviderConnection {
       return;
     }
     if (auditPending_) settleAuditTrail(sql);
-    if (physical_->tsql) {
+    if (pooled_ && physical_->tsql && !dirty_.lasting) {
       const SessionEffects effects = sessionEffects(sql);
-      dirty_.lasting = dirty_.lasting || effects.lasting;
-      dirty_.transaction = dirty_.transaction || effects.transaction;
+      dirty_.lasting = !effects.plain;
       if (effects.auditTrailId) physical_->auditTrailId = *effects.auditTrailId;
     }
     try {
       Handle stmt(SQL_HANDLE_STMT, physical_->dbc.get());
-      if (timeout_ >= 0) applyTimeout(stmt);
+      if (timeout_ >= 0) applyTimeout(stmt, timeout_);
       auto text = wide(sql);
       const SQLRETURN rc =
           SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
@@ -347,10 +379,10 @@ class OdbcConnection final : public ProviderConnection {
     }
   }
 
-  void applyTimeout(const Handle& stmt) const {
+  static void applyTimeout(const Handle& stmt, int seconds) {
     const SQLRETURN rc = SQLSetStmtAttrW(
         stmt.get(), SQL_ATTR_QUERY_TIMEOUT,
-        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(timeout_)), SQL_IS_UINTEGER);
+        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)), SQL_IS_UINTEGER);
     if (SQL_SUCCEEDED(rc)) return;
     // A driver without time-outs says so; the statement then simply runs without one.
     const std::string state = firstSqlState(stmt);

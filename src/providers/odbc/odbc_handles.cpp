@@ -121,6 +121,16 @@ void fail(const Handle& handle, std::string_view call) {
   throw diagnosticError(handle.type(), handle.get(), call);
 }
 
+void check(SQLRETURN rc, const Handle& handle, std::string_view call) {
+  if (rc == SQL_SUCCESS) return;
+  if (!SQL_SUCCEEDED(rc)) fail(handle, call);
+  for (SQLSMALLINT i = 1; i <= kMaxRecords; ++i) {
+    Record r;
+    if (!readRecord(handle.type(), handle.get(), i, r)) return;
+    if (!r.state.starts_with("01")) fail(handle, call);
+  }
+}
+
 std::string firstSqlState(const Handle& handle) {
   Record r;
   return readRecord(handle.type(), handle.get(), 1, r) ? r.state : std::string();

@@ -49,9 +49,10 @@ class Handle {
 // when all are). `call` names the failed call for the rare driver that leaves no record.
 Error diagnosticError(SQLSMALLINT type, SQLHANDLE handle, std::string_view call);
 [[noreturn]] void fail(const Handle& handle, std::string_view call);
-inline void check(SQLRETURN rc, const Handle& handle, std::string_view call) {
-  if (!SQL_SUCCEEDED(rc)) fail(handle, call);
-}
+// Fails on an error, and on a success with information that holds an error rather than a mere
+// warning: a driver that fetches rows in blocks reports a server error on a later row of a block
+// that way, with the rows before it, and then no more rows.
+void check(SQLRETURN rc, const Handle& handle, std::string_view call);
 // The driver's native numbers for a link to the server that failed under a statement (FreeTDS:
 // a read or write that failed, an unexpected end of the stream, a token out of place).
 inline bool isLinkNative(std::int32_t native) noexcept {

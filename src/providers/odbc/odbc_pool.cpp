@@ -1,13 +1,18 @@
 #include "providers/odbc/odbc_pool.hpp"
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstdlib>
+#include <iterator>
 #include <mutex>
 #include <string_view>
+#include <system_error>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
 #include "vrdppo/odbc_pool.hpp"
+#include "vrdppo/text.hpp"
 
 #if defined(__unix__) || defined(__APPLE__)
 #include <pthread.h>
@@ -23,18 +28,34 @@ namespace {
 
 bool isOff(const char* value) {
   if (value == nullptr) return false;
-  const std::string_view v(value);
-  return v == "0" || v == "no" || v == "NO" || v == "No" || v == "false" || v == "FALSE" ||
-         v == "False" || v == "off" || v == "OFF" || v == "Off";
+  const std::u16string v = fromUtf8(value);
+  return v == u"0" || equalsNoCase(v, u"no") || equalsNoCase(v, u"false") ||
+         equalsNoCase(v, u"off");
 }
+
+// A whole number of the environment within [0, most], or `otherwise`.
+long environmentNumber(const char* name, long otherwise, long most) {
+  const char* value = std::getenv(name);
+  if (value == nullptr || *value == '\0') return otherwise;
+  char* end = nullptr;
+  const long number = std::strtol(value, &end, 10);
+  if (*end != '\0' || number < 0) return otherwise;
+  return std::min(number, most);
+}
+
+void startReaper();
 
 struct Idle {
   std::mutex mutex;
+  std::condition_variable wake;  // a connection was given, or the process is ending
   std::unordered_map<std::u16string, std::vector<PhysicalPtr>> byKey;
   std::size_t count = 0;
+  bool reaping = false;  // a thread logs out what outlives its idle life
+  bool stopping = false;
 
-  // Closes the connections idle for longer than the timeout, from the oldest of each key.
-  void expire(std::chrono::steady_clock::time_point now) {
+  // Moves the connections idle for longer than the timeout, from the oldest of each key, to
+  // `out`, to be closed outside the lock: a logout is a round trip.
+  void expire(std::chrono::steady_clock::time_point now, std::vector<PhysicalPtr>& out) {
     const auto limit = pool::idleTimeout();
     for (auto it = byKey.begin(); it != byKey.end();) {
       auto& list = it->second;
@@ -42,9 +63,36 @@ struct Idle {
         return now - p->idleSince < limit;
       });
       count -= static_cast<std::size_t>(stale - list.begin());
+      std::move(list.begin(), stale, std::back_inserter(out));
       list.erase(list.begin(), stale);
       it = list.empty() ? byKey.erase(it) : std::next(it);
     }
+  }
+
+  // When the longest-idle connection's life ends.
+  std::chrono::steady_clock::time_point nextExpiry() const {
+    auto at = std::chrono::steady_clock::time_point::max();
+    for (const auto& [key, list] : byKey) {
+      if (!list.empty()) at = std::min(at, list.front()->idleSince + pool::idleTimeout());
+    }
+    return at;
+  }
+
+  // The longest-idle connection of all, to make room under the process's limit.
+  PhysicalPtr takeOldest() {
+    auto oldest = byKey.end();
+    for (auto it = byKey.begin(); it != byKey.end(); ++it) {
+      if (!it->second.empty() && (oldest == byKey.end() || it->second.front()->idleSince <
+                                                               oldest->second.front()->idleSince)) {
+        oldest = it;
+      }
+    }
+    if (oldest == byKey.end()) return nullptr;
+    PhysicalPtr out = std::move(oldest->second.front());
+    oldest->second.erase(oldest->second.begin());
+    if (oldest->second.empty()) byKey.erase(oldest);
+    --count;
+    return out;
   }
 };
 
@@ -53,7 +101,8 @@ Idle& idle() {
     auto* p = new Idle;
 #if defined(__unix__) || defined(__APPLE__)
     // A child of fork shares the parent's sockets: it must neither use the parent's sessions
-    // nor log them out. It lets go of them unclosed and makes its own.
+    // nor log them out. It lets go of them unclosed and makes its own; the parent's reaper did
+    // not cross into it.
     pthread_atfork([] { idle().mutex.lock(); }, [] { idle().mutex.unlock(); },
                    [] {
                      Idle& i = idle();
@@ -62,6 +111,7 @@ Idle& idle() {
                      }
                      i.byKey.clear();
                      i.count = 0;
+                     i.reaping = false;
                      i.mutex.unlock();
                    });
 #endif
@@ -70,9 +120,70 @@ Idle& idle() {
   return *pool;
 }
 
-// At exit, the idle sessions are logged out while the driver is still loaded.
+// Sleeps until the next idle connection's life ends and logs it out, for as long as any is kept.
+void reap() {
+  Idle& i = idle();
+  std::unique_lock lock(i.mutex);
+  while (!i.stopping && i.count != 0) {
+    i.wake.wait_until(lock, i.nextExpiry());
+    std::vector<PhysicalPtr> stale;
+    i.expire(std::chrono::steady_clock::now(), stale);
+    lock.unlock();
+    stale.clear();
+    lock.lock();
+  }
+  i.reaping = false;
+  i.wake.notify_all();
+}
+
+#ifdef _WIN32
+// The thread holds a reference on the module that runs it, so that the library cannot be unloaded
+// under it, and lets go of it as it ends; at process exit it is simply stopped with the others.
+DWORD WINAPI reaperMain(LPVOID module) {
+  reap();
+  FreeLibraryAndExitThread(static_cast<HMODULE>(module), 0);
+}
+
+void startReaper() {
+  HMODULE self = nullptr;
+  if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                          reinterpret_cast<LPCWSTR>(&reaperMain), &self)) {
+    idle().reaping = false;
+    return;
+  }
+  HANDLE thread = CreateThread(nullptr, 0, reaperMain, self, 0, nullptr);
+  if (thread == nullptr) {
+    FreeLibrary(self);
+    idle().reaping = false;
+    return;
+  }
+  CloseHandle(thread);
+}
+#else
+void startReaper() {
+  try {
+    std::thread(reap).detach();
+  } catch (const std::system_error&) {
+    idle().reaping = false;  // no thread: connections expire when the next one is given or taken
+  }
+}
+#endif
+
+// At exit, the reaper stops and the idle sessions are logged out while the driver is still
+// loaded.
 struct CloseAtExit {
-  ~CloseAtExit() { releaseIdleConnections(); }
+  ~CloseAtExit() {
+#ifndef _WIN32
+    {
+      Idle& i = idle();
+      std::unique_lock lock(i.mutex);
+      i.stopping = true;
+      i.wake.notify_all();
+      i.wake.wait(lock, [&] { return !i.reaping; });
+    }
+#endif
+    releaseIdleConnections();
+  }
 } closeAtExit;
 
 }  // namespace
@@ -85,15 +196,15 @@ bool enabled() {
 }
 
 std::chrono::seconds idleTimeout() {
-  static const std::chrono::seconds timeout = [] {
-    const char* value = std::getenv("VRDPPO_ODBC_POOL_TIMEOUT");
-    if (value == nullptr || *value == '\0') return std::chrono::seconds(60);
-    char* end = nullptr;
-    const long seconds = std::strtol(value, &end, 10);
-    if (*end != '\0' || seconds < 0) return std::chrono::seconds(60);
-    return std::chrono::seconds(std::min(seconds, 86400L));
-  }();
+  static const std::chrono::seconds timeout(
+      environmentNumber("VRDPPO_ODBC_POOL_TIMEOUT", 60, 86400));
   return timeout;
+}
+
+std::size_t idleLimit() {
+  static const auto limit =
+      static_cast<std::size_t>(environmentNumber("VRDPPO_ODBC_POOL_MAX", 16, 10000));
+  return limit;
 }
 
 PhysicalPtr take(const std::u16string& key, std::int32_t auditTrailId) {
@@ -127,21 +238,31 @@ PhysicalPtr take(const std::u16string& key, std::int32_t auditTrailId) {
 }
 
 void give(const std::u16string& key, PhysicalPtr connection) {
-  if (!enabled() || idleTimeout().count() == 0) return;
-  PhysicalPtr surplus;
+  if (!enabled() || idleTimeout().count() == 0 || idleLimit() == 0) return;
+  std::vector<PhysicalPtr> surplus;  // closed outside the lock, after it
   Idle& i = idle();
   std::lock_guard lock(i.mutex);
+  if (i.stopping) {
+    surplus.push_back(std::move(connection));
+    return;
+  }
   const auto now = std::chrono::steady_clock::now();
+  i.expire(now, surplus);
   connection->idleSince = now;
   auto& list = i.byKey[key];
   if (list.size() >= kIdlePerKey) {
-    surplus = std::move(list.front());  // the longest idle makes room
+    surplus.push_back(std::move(list.front()));  // the longest idle makes room
     list.erase(list.begin());
     --i.count;
   }
   list.push_back(std::move(connection));
   ++i.count;
-  i.expire(now);
+  while (i.count > idleLimit()) surplus.push_back(i.takeOldest());
+  if (!i.reaping) {
+    i.reaping = true;
+    startReaper();
+  }
+  i.wake.notify_all();
 }
 
 void purge(const std::u16string& key) {

@@ -30,13 +30,19 @@ using PhysicalPtr = std::unique_ptr<PhysicalConnection>;
 
 namespace pool {
 
-// Whether connections are kept at all: on unless VRDPPO_ODBC_POOLING is 0, no, false or off.
+// Whether connections are kept at all: on unless VRDPPO_ODBC_POOLING is 0, no, false or off, in
+// any case.
 bool enabled();
 // How long an idle connection is kept: VRDPPO_ODBC_POOL_TIMEOUT seconds, 60 by default (the
-// driver managers' own default); 0 keeps none.
+// driver managers' own default); 0 keeps none. A connection idle for longer is logged out then,
+// whether or not the process makes another call.
 std::chrono::seconds idleTimeout();
 // Idle connections kept per connection string.
 inline constexpr std::size_t kIdlePerKey = 16;
+// Idle connections kept by the process over every connection string: VRDPPO_ODBC_POOL_MAX, 16 by
+// default, so that a process with many strings holds no more of a server's connections idle
+// than one with one string does.
+std::size_t idleLimit();
 
 // An idle connection made with `key` (the whole connection string, credentials included),
 // preferring one whose session holds this audit trail id; null when there is none. Connections
