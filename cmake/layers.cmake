@@ -16,7 +16,7 @@ set(VRDPPO_LAYER_SOURCES_frame
     frame/type_library.cpp frame/variant.cpp)
 set(VRDPPO_LAYER_SOURCES_providers
     providers/odbc/odbc_connection.cpp providers/odbc/odbc_fetch.cpp
-    providers/odbc/odbc_handles.cpp providers/odbc/odbc_pool.cpp
+    providers/odbc/odbc_handles.cpp providers/odbc/odbc_login.cpp providers/odbc/odbc_pool.cpp
     providers/odbc/odbc_session_effects.cpp providers/odbc/odbc_values.cpp
     providers/embedded/call.cpp providers/embedded/catalog.cpp providers/embedded/condition.cpp
     providers/embedded/date_functions.cpp providers/embedded/dates.cpp

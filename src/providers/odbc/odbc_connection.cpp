@@ -7,6 +7,7 @@
 
 #include "providers/odbc/odbc_fetch.hpp"
 #include "providers/odbc/odbc_handles.hpp"
+#include "providers/odbc/odbc_login.hpp"
 #include "providers/odbc/odbc_pool.hpp"
 #include "providers/odbc/odbc_provider.hpp"
 #include "providers/odbc/odbc_session_effects.hpp"
@@ -247,7 +248,8 @@ class OdbcConnection final : public ProviderConnection {
     check(SQLSetConnectAttrW(dbc.get(), SQL_ATTR_LOGIN_TIMEOUT,
                              reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)), 0),
           dbc, "SQLSetConnectAttrW");
-    auto text = wide(key_);
+    // The pool's key stays the caller's string; only the driver sees the version pinned.
+    auto text = wide(withBoundedLogin(key_));
     check(SQLDriverConnectW(dbc.get(), nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
                             SQL_DRIVER_NOPROMPT),
           dbc, "SQLDriverConnectW");

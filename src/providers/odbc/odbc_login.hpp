@@ -1,0 +1,18 @@
+// A login that ends: FreeTDS's driver bounds a login in time only when it knows which protocol
+// version to speak.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vrdppo::odbc {
+
+// The connection string for SQLDriverConnectW, with ";TDS_Version=7.4" added when the driver it
+// names (by DRIVER=, or through its DSN's entry in odbc.ini) is FreeTDS's and nothing names a
+// version: not the string, not the DSN, not a freetds.conf entry it names (Servername), not
+// TDSVER. Left to negotiate, FreeTDS falls back after the 7.x login times out to a 5.0 login that
+// waits on a silent server for ever; 7.4 is what it tries first, and no server this library
+// serves speaks 5.0. Unchanged on Windows, where the driver is the platform's.
+std::u16string withBoundedLogin(std::u16string_view connect);
+
+}  // namespace vrdppo::odbc
