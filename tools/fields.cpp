@@ -341,6 +341,9 @@ std::string errorText(const Error& e) {
   }
   out += "\n";
   if (!e.statement().empty()) out += "  in the statement: " + toUtf8(e.statement()) + "\n";
+  if (e.row() != 0) {
+    out += fmt::format("  in the column: {}, on row {}\n", toUtf8(e.column()), e.row());
+  }
   return out;
 }
 

@@ -46,6 +46,12 @@ class Error : public std::runtime_error {
   // that no statement raised.
   const std::u16string& statement() const noexcept { return statement_; }
   void setStatement(std::u16string statement) { statement_ = std::move(statement); }
+  // Where a row failed to go into a record: the field's column, and the row, counted from 1 in
+  // the result. Empty and 0 for any other error.
+  const std::u16string& column() const noexcept { return column_; }
+  void setColumn(std::u16string column) { column_ = std::move(column); }
+  std::int64_t row() const noexcept { return row_; }
+  void setRow(std::int64_t row) noexcept { row_ = row; }
 
   // The platform's standard error of that number, with its standard text.
   static Error runtime(std::int32_t number);
@@ -57,6 +63,8 @@ class Error : public std::runtime_error {
   std::string sqlState_;
   std::int32_t nativeError_;
   std::u16string statement_;
+  std::u16string column_;
+  std::int64_t row_ = 0;
 };
 
 // The standard text of a runtime or recordset error number, empty when unknown.

@@ -112,8 +112,8 @@ class Connection {
   // cannot say).
   std::shared_ptr<Recordset> Execute(const std::u16string& sql, std::int64_t& recordsAffected,
                                      int options = adOptionUnspecified);
-  // As Execute, the first result streamed into the sink. An error that the sink raised while
-  // filling or taking a record names no statement.
+  // As Execute, the first result streamed into the sink. An error the sink raised names the
+  // statement too.
   void ExecuteInto(const std::u16string& sql, RecordSink& sink, int options = adOptionUnspecified);
   // The database's catalog, one kind of fact at a time (see SchemaKind).
   std::shared_ptr<Recordset> OpenSchema(SchemaKind kind);

@@ -62,9 +62,6 @@ class RecordSink {
 
   bool begun() const noexcept { return begun_; }
   std::size_t rows() const noexcept { return rows_; }
-  // Whether the error now on its way came from filling or taking a record, not from the
-  // provider: such an error names no statement.
-  bool failedInRecord() const noexcept { return failedInRecord_; }
 
  protected:
   // At the first row, before the initialiser runs.
@@ -75,9 +72,8 @@ class RecordSink {
 
  private:
   void startRow();
-  // The fields in order, then take(); `inProvider` is true while the provider is asked for a
-  // value, so that whoever catches knows whose error it is.
-  void readRow(const void* providerRow, bool& inProvider);
+  // The fields in order. An error raised for a field names that field's column and the row.
+  void readRow(const void* providerRow);
   // After a field raised: the fields from `from` on as the initialiser leaves them, as if the
   // row had been begun by the initialiser.
   void restoreFrom(std::size_t from) noexcept;
@@ -87,7 +83,6 @@ class RecordSink {
   std::vector<std::size_t> positions_;  // result column of each field; npos when missing
   std::vector<CellReader> readers_;
   bool begun_ = false;
-  bool failedInRecord_ = false;
   std::size_t rows_ = 0;
 };
 

@@ -64,6 +64,8 @@ typedef struct vrdppo_status {
   char* source;
   char* sql_state;
   char* statement; /* the statement that failed, when one did */
+  char* column;    /* the column of a row that would not go into a record; NULL otherwise */
+  int64_t row;     /* that row, counted from 1 in the result; 0 otherwise */
 } vrdppo_status;
 
 typedef struct vrdppo_object vrdppo_object;

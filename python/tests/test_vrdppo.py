@@ -210,6 +210,7 @@ class Requests(Store):
         self.assertEqual(e.number & 0xFFFFFFFF, 0x80040E14)
         self.assertTrue(e.sql_state)
         self.assertIn("NoSuchColumn = 1", e.statement)
+        self.assertEqual((e.column, e.row), ("", 0))
         self.assertIn("0x80040e14", str(e))
         with self.assertRaises(vrdppo.MissingArgument) as caught:
             stems.Load()
@@ -232,6 +233,18 @@ class Requests(Store):
             stems.Load("", sCriteria="")
         with self.assertRaises(TypeError):
             stems.Load(object(), self.connect)
+        # A cell that will not go into its field: where the Load stopped.
+        self.assertTrue(stems.Commit(self.stem(), self.connect))
+        vrdppo.release_store(self.path)
+        with sqlite3.connect(self.path) as db:
+            db.execute("UPDATE STEMS SET ContainerStart = 'eight'")
+        db.close()
+        with self.assertRaises(vrdppo.Error) as caught:
+            stems.Load("", self.connect)
+        e = caught.exception
+        self.assertEqual((e.number, e.description), (13, "Type mismatch"))
+        self.assertEqual((e.statement, e.column, e.row),
+                         ("SELECT * FROM STEMS", "ContainerStart", 1))
 
     def test_session_values_are_per_thread(self):
         vrdppo.set_session(connect_string=self.connect, app_name="scales", audit_trail_id=9)

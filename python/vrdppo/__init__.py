@@ -40,10 +40,11 @@ _INT64 = (-2**63, 2**63 - 1)
 
 class Error(Exception):
     """An error of the library: its number (a provider's HRESULT is negative), description,
-    source, SQLSTATE, native error and the statement that failed, if one did."""
+    source, SQLSTATE, native error and the statement that failed, if one did; for a row that
+    would not go into a record, the column and the row (from 1), else "" and 0."""
 
     def __init__(self, number, description, source="", sql_state="", native_error=0,
-                 statement=""):
+                 statement="", column="", row=0):
         super().__init__(f"error {number & 0xFFFFFFFF:#x}: {description}" if number < 0
                          else f"error {number}: {description}")
         self.number = number
@@ -52,6 +53,8 @@ class Error(Exception):
         self.sql_state = sql_state
         self.native_error = native_error
         self.statement = statement
+        self.column = column
+        self.row = row
 
 
 class UnknownClass(Error, LookupError):
@@ -88,7 +91,8 @@ def _check(call, *args):
     number = call(*args, _ctypes.byref(status))
     if number != 0:
         e = Error(number, _text(status.description), _text(status.source),
-                  _text(status.sql_state), status.native_error, _text(status.statement))
+                  _text(status.sql_state), status.native_error, _text(status.statement),
+                  _text(status.column), status.row)
         _lib.vrdppo_status_clear(_ctypes.byref(status))
         raise e
 

@@ -13,6 +13,8 @@ class Error(Exception):
     sql_state: str
     native_error: int
     statement: str
+    column: str
+    row: int
 
 
 class UnknownClass(Error, LookupError):

@@ -30,7 +30,8 @@ class Value(ctypes.Structure):
 class Status(ctypes.Structure):
     _fields_ = [("number", ctypes.c_int32), ("native_error", ctypes.c_int32),
                 ("description", ctypes.c_char_p), ("source", ctypes.c_char_p),
-                ("sql_state", ctypes.c_char_p), ("statement", ctypes.c_char_p)]
+                ("sql_state", ctypes.c_char_p), ("statement", ctypes.c_char_p),
+                ("column", ctypes.c_char_p), ("row", ctypes.c_int64)]
 
 
 class ClassInfo(ctypes.Structure):

@@ -21,6 +21,8 @@ class Error(Exception):
     sql_state: str
     native_error: int
     statement: str
+    column: str
+    row: int
 
 
 class UnknownClass(Error, LookupError):

@@ -170,6 +170,7 @@ void clearStatus(vrdppo_status* st) noexcept {
   std::free(st->source);
   std::free(st->sql_state);
   std::free(st->statement);
+  std::free(st->column);
   *st = vrdppo_status{};
 }
 
@@ -184,6 +185,8 @@ std::int32_t fail(vrdppo_status* st, const Error& e) noexcept {
     st->source = copyText(e.source());
     st->sql_state = copyText(e.sqlState());
     st->statement = copyText(vrdppo::toUtf8(e.statement()));
+    if (!e.column().empty()) st->column = copyText(vrdppo::toUtf8(e.column()));
+    st->row = e.row();
   } catch (...) {
     const std::int32_t n = st->number;
     clearStatus(st);

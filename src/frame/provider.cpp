@@ -146,7 +146,8 @@ void Connection::ExecuteInto(const std::u16string& sql, RecordSink& sink, int op
     impl_->executeInto(sql, options, sink);
     recordsAffected_ = lastAffected = impl_->recordsAffected();
   } catch (Error& e) {
-    if (!sink.failedInRecord() && e.statement().empty()) e.setStatement(sql);
+    // Also what the sink raised: the statement is the one whose rows would not go in.
+    if (e.statement().empty()) e.setStatement(sql);
     throw;
   }
 }

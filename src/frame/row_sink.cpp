@@ -46,19 +46,13 @@ void RecordSink::restoreFrom(std::size_t from) noexcept {
 }
 
 void RecordSink::row(const void* providerRow) {
-  bool inProvider = false;  // in the one call that asks the provider for a cell's value
-  try {
-    startRow();
-    readRow(providerRow, inProvider);
-  } catch (...) {
-    // What the provider raised names its statement; what the record raised does not.
-    failedInRecord_ = !inProvider;
-    throw;
-  }
+  startRow();
+  readRow(providerRow);
+  take(record_);
   ++rows_;
 }
 
-void RecordSink::readRow(const void* providerRow, bool& inProvider) {
+void RecordSink::readRow(const void* providerRow) {
   const auto& fields = layout_.columns;
   std::size_t i = 0;
   try {
@@ -70,13 +64,17 @@ void RecordSink::readRow(const void* providerRow, bool& inProvider) {
         // A field without a column stops the first row there, the fields before it read: the
         // row is read in order until a column is missing.
         if (r.value == nullptr) throw Error::runtime(err::kItemNotFound);
-        inProvider = true;
-        const Variant v = r.value(providerRow, positions_[i], r.tag);
-        inProvider = false;
-        storeField(fields[i], record_, v);
+        storeField(fields[i], record_, r.value(providerRow, positions_[i], r.tag));
       }
     }
-    take(record_);
+  } catch (Error& e) {
+    restoreFrom(i);
+    // A row of a thousand that will not go in is found by where it stopped.
+    if (e.row() == 0) {
+      e.setColumn(std::u16string(fields[i].read));
+      e.setRow(static_cast<std::int64_t>(rows_) + 1);
+    }
+    throw;
   } catch (...) {
     restoreFrom(i);
     throw;

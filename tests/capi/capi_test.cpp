@@ -285,7 +285,17 @@ TEST_F(CInterface, FailuresComeBackAsStatuses) {
   EXPECT_STRNE(st.sql_state, "");
   ASSERT_NE(st.statement, nullptr);
   EXPECT_NE(std::string(st.statement).find("NoSuchColumn = 1"), std::string::npos);
+  EXPECT_EQ(st.column, nullptr);
+  EXPECT_EQ(st.row, 0);
   EXPECT_EQ(r.type, VRDPPO_EMPTY);
+  // A cell that will not go into its field names the column and the row besides.
+  insert(u"INSERT INTO STEMS (ContainerStart) VALUES ('eight')");
+  vrdppo_value all[] = {str8(""), str16(connect)};
+  EXPECT_EQ(vrdppo_invoke(o.p, "Load", all, 2, &r, &st), err::kTypeMismatch);
+  EXPECT_STREQ(st.description, "Type mismatch");
+  EXPECT_STREQ(st.statement, "SELECT * FROM STEMS");
+  EXPECT_STREQ(st.column, "ContainerStart");
+  EXPECT_EQ(st.row, 1);
 
   // No status at all is allowed: the number still comes back.
   EXPECT_EQ(vrdppo_invoke(o.p, "NoSuchMember", nullptr, 0, nullptr, nullptr), err::kMemberNotFound);

@@ -256,3 +256,42 @@ TEST_F(Road, ErrorsOfTheStoreReachTheCaller) {
     EXPECT_EQ(e.sqlState(), "42S02");
   }
 }
+
+// A cell that will not go into its field keeps the error's number and text, and the error says
+// where it stopped: the statement, the field's column and the row.
+TEST_F(Road, ACellThatWillNotGoInNamesItsStatementColumnAndRow) {
+  struct Case {
+    const char* cell;  // SQL for the bad value
+    std::u16string column;
+    std::int64_t row;
+    std::int32_t number;
+    std::string description;
+  } cases[] = {
+      {"'eight'", u"ContainerStart", 3, err::kTypeMismatch, "Type mismatch"},
+      {"3000000000", u"StemTypeID", 4, err::kOverflow, "Overflow"},
+      {"'heavy'", u"TotalNetWeight", 1, err::kTypeMismatch, "Type mismatch"},
+  };
+  cStemsPersist stems;
+  std::vector<Long> keys;
+  for (int i = 0; i < 5; ++i) {
+    ASSERT_TRUE(stems.Commit(stem(0, 1.5, 77), connect));
+    keys.push_back(stems.record().StemsId);
+  }
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.cell);
+    const Long key = keys[static_cast<std::size_t>(c.row - 1)];
+    scalar(u"UPDATE STEMS SET " + c.column + u" = " + fromUtf8(c.cell) + u" WHERE StemsId = " +
+           longText(key));
+    try {
+      stems.Load(u"ProductionRunId = 77 ORDER BY StemsId", connect);
+      ADD_FAILURE() << "no error raised";
+    } catch (const Error& e) {
+      EXPECT_EQ(e.number(), c.number);
+      EXPECT_EQ(e.description(), c.description);
+      EXPECT_EQ(e.statement(), u"SELECT * FROM STEMS WHERE ProductionRunId = 77 ORDER BY StemsId");
+      EXPECT_EQ(e.column(), c.column);
+      EXPECT_EQ(e.row(), c.row);
+    }
+    scalar(u"UPDATE STEMS SET " + c.column + u" = 1 WHERE StemsId = " + longText(key));
+  }
+}

@@ -305,7 +305,9 @@ TEST_F(Contract, AMissingColumnRaisesAtTheFirstRowAfterTheInitialiser) {
     ADD_FAILURE();
   } catch (const Error& e) {
     EXPECT_EQ(e.number(), err::kItemNotFound);
-    EXPECT_TRUE(e.statement().empty());
+    EXPECT_EQ(e.statement(), u"SELECT * FROM STEMS");
+    EXPECT_EQ(e.column(), u"ContainerStart");
+    EXPECT_EQ(e.row(), 1);
   }
   cStemsPersist fresh;
   initialiseRecord(fresh.layout(), fresh.recordBytes());
@@ -319,8 +321,7 @@ TEST_F(Contract, AMissingColumnRaisesAtTheFirstRowAfterTheInitialiser) {
 }
 
 // A value that will not convert stops the Load where it stands: the record holds the failing
-// row's fields up to that one and the initialiser's from there on, and the error names no
-// statement, for it is no failure of one.
+// row's fields up to that one and the initialiser's from there on.
 TEST_F(Contract, AFailedConversionLeavesTheRowBegunByTheInitialiser) {
   const std::vector<std::u16string> columns{u"StemsId",      u"TotalNetWeight", u"ContainerStart",
                                             u"ContainerEnd", u"StemTypeID",     u"ProductionRunId"};
@@ -333,7 +334,7 @@ TEST_F(Contract, AFailedConversionLeavesTheRowBegunByTheInitialiser) {
     ADD_FAILURE();
   } catch (const Error& e) {
     EXPECT_EQ(e.number(), err::kTypeMismatch);
-    EXPECT_TRUE(e.statement().empty());
+    EXPECT_EQ(e.statement(), u"SELECT * FROM STEMS");
   }
   EXPECT_EQ(s.record().StemsId, 6);
   EXPECT_EQ(double{s.record().TotalNetWeight}, 7.5);
