@@ -320,6 +320,13 @@ TEST(OdbcProvider, FailsToOpenWithTheDriverManagersMessage) {
        {"01S00", 0,
         "[vrdppo.odbc] Invalid connection string attribute: Connection Timeout=-1 is not a "
         "number of seconds"}},
+      // So is a Pooling value that is neither yes nor no, rather than read as either.
+      {u"DRIVER={vrdppo SQLite3};Database=x.db;Pooling=maybe",
+       {"01S00", 0,
+        "[vrdppo.odbc] Invalid connection string attribute: Pooling=maybe is neither Yes nor No"}},
+      {u"DRIVER={vrdppo SQLite3};Database=x.db;Pooling='No'",
+       {"01S00", 0,
+        "[vrdppo.odbc] Invalid connection string attribute: Pooling='No' is neither Yes nor No"}},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(toUtf8(k.connect));
