@@ -47,7 +47,7 @@ void startReaper();
 
 struct Idle {
   std::mutex mutex;
-  std::condition_variable wake;  // a connection was given, or the process is ending
+  std::condition_variable wake;  // the process is ending, or the reaper has stopped
   std::unordered_map<std::u16string, std::vector<PhysicalPtr>> byKey;
   std::size_t count = 0;
   bool reaping = false;  // a thread logs out what outlives its idle life
@@ -258,11 +258,12 @@ void give(const std::u16string& key, PhysicalPtr connection) {
   list.push_back(std::move(connection));
   ++i.count;
   while (i.count > idleLimit()) surplus.push_back(i.takeOldest());
+  // A connection given now ends its life after every other kept one: a running reaper need not
+  // be woken for it.
   if (!i.reaping) {
     i.reaping = true;
     startReaper();
   }
-  i.wake.notify_all();
 }
 
 void purge(const std::u16string& key) {
