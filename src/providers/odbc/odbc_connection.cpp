@@ -306,15 +306,9 @@ class OdbcConnection final : public ProviderConnection {
     if (!physical_->tsql) return false;
     const bool gatewaySet = equalsNoCase(trimBlanks(sql), kGatewaySet);
     const auto start = std::chrono::steady_clock::now();
-    try {
-      direct(*physical_, gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON",
-             probeSeconds(loginTimeout_));
-      return gatewaySet;
-    } catch (const Error& e) {
-      if (!isTimeout(e) && !isLinkFailure(e, physical_->dbc)) throw;
-      // A session that does not answer is as good as dead, and so, most likely, are the others
-      // kept for the same server; what is left of the login's bound goes to a fresh one.
-    }
+    if (answers(gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON")) return gatewaySet;
+    // A session that does not answer is as good as dead, and so, most likely, are the others
+    // kept for the same server; what is left of the login's bound goes to a fresh one.
     pool::purge(key_);
     physical_.reset();
     const auto spent =
@@ -324,6 +318,18 @@ class OdbcConnection final : public ProviderConnection {
     physical_ = login(left);
     auditPending_ = false;
     return false;
+  }
+
+  // Whether the kept session runs a setting within the probe's bound; false when it did not
+  // answer or its link is dead, an error of the statement's own raised.
+  bool answers(std::u16string_view setting) {
+    try {
+      direct(*physical_, setting, probeSeconds(loginTimeout_));
+      return true;
+    } catch (const Error& e) {
+      if (!isTimeout(e) && !isLinkFailure(e, physical_->dbc)) throw;
+      return false;
+    }
   }
 
   // Undoes what a former caller's audit trail id left in the session unless this caller's

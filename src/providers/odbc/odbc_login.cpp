@@ -52,7 +52,7 @@ bool namesVersion(std::u16string_view connect) {
 bool isFreeTds(std::u16string_view driver) {
   std::u16string library = profileValue(driver, u"Driver", u"ODBCINST.INI");
   if (library.empty()) library = driver;
-  const auto slash = library.find_last_of(u"/");
+  const auto slash = library.find_last_of(u'/');
   const std::u16string_view file =
       std::u16string_view(library).substr(slash == std::u16string::npos ? 0 : slash + 1);
   return file.starts_with(u"libtdsodbc");
