@@ -492,8 +492,11 @@ std::string SchemaReport::json() const {
 SchemaReport checkSchema(const std::u16string& connect,
                          const std::function<void(std::string_view)>& progress) {
   const auto start = std::chrono::steady_clock::now();
-  // The store makes a file it opens that does not exist; a check makes nothing.
-  if (providers::nameFor(connect) == "embedded") {
+  // The store makes a file it opens that does not exist, and sets up one it opens to write; a
+  // check makes nothing and writes nothing.
+  const bool store = providers::nameFor(connect) == "embedded";
+  const std::u16string reading = store ? connect + u";Mode=Read" : connect;
+  if (store) {
     const std::string path = toUtf8(connectionValue(connect, u"Data Source"));
     std::error_code ec;
     if (path.empty() || !std::filesystem::exists(std::u8string(path.begin(), path.end()), ec)) {
@@ -501,9 +504,26 @@ SchemaReport checkSchema(const std::u16string& connect,
                   "vrdppo.check", "08001", 0);
     }
   }
-  const Database db = readCatalog(connect, progress);
+  const Database db = readCatalog(reading, progress);
   if (progress) progress("checking the classes");
   SchemaReport report = Checker(db).run();
+  if (store) {
+    // A store of another build is checked as it stands; the first call brings it up to date.
+    Connection c;
+    c.Open(reading);
+    const auto has = toLong(c.Execute(u"PRAGMA user_version")->Fields(std::size_t{0}));
+    const auto needs = toLong(c.Execute(u"SELECT vr_schema_stamp()")->Fields(std::size_t{0}));
+    c.Close();
+    if (has != needs) {
+      report.findings.insert(
+          report.findings.begin(),
+          {SchemaFinding::Severity::Warning, "", "the store's schema",
+           fmt::format("the schema of this build (stamp {})", needs),
+           fmt::format("that of another build (stamp {}): the first call that opens the file for "
+                       "writing brings it up to date",
+                       has)});
+    }
+  }
   report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   return report;
 }

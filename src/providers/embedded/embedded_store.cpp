@@ -23,7 +23,9 @@ class EmbeddedConnection final : public ProviderConnection {
   void open(const std::u16string& connect, const std::u16string&, const std::u16string&,
             int) override {
     if (session_) throw Error::runtime(err::kInvalidCall);
-    session_ = std::make_unique<Session>(toUtf8(connectionValue(connect, u"Data Source")));
+    // Mode=Read, as a client asks any provider for a connection that only reads.
+    session_ = std::make_unique<Session>(toUtf8(connectionValue(connect, u"Data Source")),
+                                         equalsNoCase(connectionValue(connect, u"Mode"), u"Read"));
   }
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int) override {

@@ -78,11 +78,16 @@ Error schemaChangeRefused(const Tokens& t, std::size_t verb, std::size_t end,
 
 }  // namespace
 
-Session::Session(const std::string& path) : path_(path) {
+Session::Session(const std::string& path, bool readOnly) : path_(path) {
   if (path.empty()) {
     throw openError("The connection string names no Data Source.", SQLITE_CANTOPEN);
   }
-  connection_ = acquireConnection(path, this);
+  if (readOnly) {
+    connection_ = openToRead(path, this);
+    reusable_ = false;  // the pool's connections may write
+  } else {
+    connection_ = acquireConnection(path, this);
+  }
 }
 
 Session::~Session() {

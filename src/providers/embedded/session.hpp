@@ -22,9 +22,9 @@ namespace vrdppo::embedded {
 
 class Session {
  public:
-  // Opens the store file at path, creating it and its schema on first use. Raises the
-  // provider-failure error.
-  explicit Session(const std::string& path);
+  // Opens the store file at path, creating it and its schema on first use; with readOnly, only
+  // reads it as it stands (openToRead). Raises the provider-failure error.
+  explicit Session(const std::string& path, bool readOnly = false);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

@@ -15,6 +15,7 @@
 #include "providers/embedded/errors.hpp"
 #include "providers/embedded/functions.hpp"
 #include "providers/embedded/session.hpp"
+#include "vrdppo/text.hpp"
 
 #if defined(__unix__) || defined(__APPLE__)
 #include <pthread.h>
@@ -151,6 +152,74 @@ std::int32_t userVersion(sqlite3* db) {
   return st.step() ? sqlite3_column_int(st.get(), 0) : -1;
 }
 
+// What a file holds, as far as the store's set-up is concerned.
+enum class Contents { Empty, Current, Other };
+
+// The key column the catalog gives table `name`: the one declared its primary key.
+std::string keyOf(const Catalog::Declared& table) {
+  for (const auto& [column, definition] : table.columns) {
+    if (upperAscii(definition).find("PRIMARY KEY") != std::string::npos) return column;
+  }
+  return {};
+}
+
+// Reads, and never writes, what the file at path holds: nothing (a new or zero-length file, or
+// a database with no schema and no stamp), the store of this build, or another store, that of an
+// older build, which the set-up brings up to date. Anything else is some other program's file,
+// and is refused before anything touches it: a store's tables added to it, its user_version
+// overwritten or its journal switched would all damage what that program keeps there. A store is
+// known by its stamp or by a table of the catalog keyed as the store keys it, so that a foreign
+// table which happens to share a name does not count.
+Contents contentsOf(sqlite3* db, const std::string& path) {
+  const auto fail = [&](int rc) { failOpen(db, path, rc); };
+  sqlite3_stmt* raw = nullptr;
+  const auto query = [&](const char* sql) {
+    const int rc = sqlite3_prepare_v2(db, sql, -1, &raw, nullptr);
+    if (rc != SQLITE_OK) fail(rc);
+    return std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)>(raw, sqlite3_finalize);
+  };
+  const auto row = [&](sqlite3_stmt* st) {
+    const int rc = sqlite3_step(st);
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE) fail(rc);
+    return rc == SQLITE_ROW;
+  };
+  const Catalog& catalog = storeCatalog();
+  std::int32_t stamp = 0;
+  {
+    const auto st = query("PRAGMA user_version");
+    if (row(st.get())) stamp = sqlite3_column_int(st.get(), 0);
+  }
+  if (stamp == catalog.stamp()) return Contents::Current;
+  std::unordered_map<std::string, bool> tables;  // upper-case names
+  {
+    const auto st = query("SELECT type, name FROM sqlite_master");
+    bool any = false;
+    while (row(st.get())) {
+      any = true;
+      const auto* type = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0));
+      const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 1));
+      if (type && name && std::string_view(type) == "table") tables[upperAscii(name)] = true;
+    }
+    if (!any && stamp == 0) return Contents::Empty;
+  }
+  const auto keyed =
+      query("SELECT 1 FROM pragma_table_info(?1) WHERE pk = 1 AND name = ?2 COLLATE NOCASE");
+  for (const auto& table : catalog.tables()) {
+    if (!tables.contains(upperAscii(table.name))) continue;
+    const std::string key = keyOf(table);
+    sqlite3_bind_text(keyed.get(), 1, table.name.c_str(), -1, SQLITE_TRANSIENT);
+    sqlite3_bind_text(keyed.get(), 2, key.c_str(), -1, SQLITE_TRANSIENT);
+    const bool found = row(keyed.get());
+    sqlite3_reset(keyed.get());
+    if (found) return Contents::Other;
+  }
+  throw openError(
+      "The file is not a store: it holds a database of another kind, with neither the "
+      "store's stamp nor any of its tables, and is left as it is (Data Source=" +
+          path + ")",
+      SQLITE_NOTADB);
+}
+
 // Brings the schema of the file up to the catalog's; the transaction makes concurrent first
 // opens by several processes take turns, the later ones finding the work done.
 void applySchema(sqlite3* db, const std::string& path) {
@@ -269,6 +338,16 @@ StoreConnectionPtr openConnection(const std::string& path, const Session* sessio
                             },
                             &connection->session};
   if (rc == SQLITE_OK) rc = registerFunctions(raw, &connection->auditTrail);
+  // The stamp of this build's schema, beside the file's PRAGMA user_version: whether a call
+  // would bring the file up to date.
+  if (rc == SQLITE_OK) {
+    rc = sqlite3_create_function_v2(
+        raw, "vr_schema_stamp", 0, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+        [](sqlite3_context* ctx, int, sqlite3_value**) {
+          sqlite3_result_int(ctx, storeCatalog().stamp());
+        },
+        nullptr, nullptr, nullptr);
+  }
   if (rc == SQLITE_OK && readOnly.empty())
     rc = sqlite3_exec(raw, "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
   // The connection that prepares the file sets it up; every other one runs statements.
@@ -319,6 +398,25 @@ StoreConnectionPtr openForReading(const std::string& path, std::string& name) {
 
 }  // namespace
 
+StoreConnectionPtr openToRead(const std::string& path, const Session* session) {
+  if (!exists(path)) {
+    throw openError("No store file to read (Data Source=" + path + ")", SQLITE_CANTOPEN);
+  }
+  // A log beside the file means that someone has it open, or that commits wait in it: read
+  // through the log and its index, as they do. Without one, no connection is open on the file,
+  // and reading it as immutable leaves nothing beside it (a reader in WAL mode would make the
+  // log and its index, and could not remove them).
+  std::error_code ec;
+  const bool logged = std::filesystem::exists(fileOf(path + "-wal"), ec);
+  std::string name = uriOf(path) + "?immutable=1";
+  if (logged) (void)openForReading(path, name);
+  auto connection = openConnection(path, session, name);
+  if (contentsOf(connection->db.get(), path) == Contents::Empty) {
+    throw openError("The file holds no store yet (Data Source=" + path + ")", SQLITE_NOTADB);
+  }
+  return connection;
+}
+
 void prepareStore(const std::string& path, bool recheck) {
   Files& f = files();
   {
@@ -336,10 +434,14 @@ void prepareStore(const std::string& path, bool recheck) {
     // SQLite refuses to open a file it can only read where its log could not be made.
     if (!isReadOnlyFailure(e.nativeError()) || !exists(path)) throw;
   }
+  // Decided before anything is written, the journal mode included.
+  if (setup) contentsOf(setup->db.get(), path);
   std::string readOnly;
   if (!setup || !setUpForWriting(setup->db.get(), path)) {
     // Read as it stands: its schema is whatever it was made with.
+    const bool known = setup != nullptr;
     setup = openForReading(path, readOnly);
+    if (!known) contentsOf(setup->db.get(), path);
   }
   std::lock_guard lock(f.mutex);
   StoreFile& file = f.byPath[path];

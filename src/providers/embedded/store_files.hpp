@@ -43,6 +43,11 @@ StoreConnectionPtr openConnection(const std::string& path, const Session* sessio
 // later calls only look the path up. With recheck, the work is done again.
 void prepareStore(const std::string& path, bool recheck = false);
 
+// A connection that only reads the store at path as it stands, whatever the file's rights: the
+// file is neither created, set up nor brought up to date, and nothing is left beside it. Not
+// pooled. Raises the provider-failure error for a file that is missing, empty or no store.
+StoreConnectionPtr openToRead(const std::string& path, const Session* session);
+
 // Connections are pooled per file, as a driver manager pools a server's connections: a
 // statement's connection comes from the file's idle ones when there is one, which spares it
 // opening the file and reading the schema again.
