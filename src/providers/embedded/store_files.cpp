@@ -9,6 +9,7 @@
 #include <string_view>
 #include <thread>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "providers/embedded/catalog.hpp"
@@ -155,7 +156,7 @@ std::int32_t userVersion(sqlite3* db) {
 // What a file holds, as far as the store's set-up is concerned.
 enum class Contents { Empty, Current, Other };
 
-// The key column the catalog gives table `name`: the one declared its primary key.
+// The column the catalog declares a table's primary key.
 std::string keyOf(const Catalog::Declared& table) {
   for (const auto& [column, definition] : table.columns) {
     if (upperAscii(definition).find("PRIMARY KEY") != std::string::npos) return column;
@@ -190,7 +191,7 @@ Contents contentsOf(sqlite3* db, const std::string& path) {
     if (row(st.get())) stamp = sqlite3_column_int(st.get(), 0);
   }
   if (stamp == catalog.stamp()) return Contents::Current;
-  std::unordered_map<std::string, bool> tables;  // upper-case names
+  std::unordered_set<std::string> tables;  // upper-case names
   {
     const auto st = query("SELECT type, name FROM sqlite_master");
     bool any = false;
@@ -198,7 +199,7 @@ Contents contentsOf(sqlite3* db, const std::string& path) {
       any = true;
       const auto* type = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0));
       const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 1));
-      if (type && name && std::string_view(type) == "table") tables[upperAscii(name)] = true;
+      if (type && name && std::string_view(type) == "table") tables.insert(upperAscii(name));
     }
     if (!any && stamp == 0) return Contents::Empty;
   }
