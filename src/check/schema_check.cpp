@@ -47,24 +47,80 @@ struct DbColumn {
   bool identity = false;
 };
 
+// What the login may do with an object; unknown where the database does not say (the store has
+// no rights: whoever opens its file may do everything).
+enum class Right : std::uint8_t { Select, Insert, Update, Delete, Execute };
+constexpr const char* kRightNames[] = {"SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"};
+
+struct Rights {
+  std::uint8_t known = 0, granted = 0;  // bits by Right
+  bool lacks(Right r) const noexcept {
+    const auto bit = static_cast<std::uint8_t>(1U << static_cast<unsigned>(r));
+    return (known & bit) != 0 && (granted & bit) == 0;
+  }
+};
+
 struct DbSource {
-  std::string name;
+  std::string name;  // as a finding names it: qualified when not in dbo
+  std::string schema;
   bool view = false;
+  Rights rights;
   std::map<std::string, DbColumn> columns;  // by upper-case name
 };
 
 struct DbProcedure {
   std::string name;
+  std::string schema;
+  Rights rights;
   std::vector<std::string> parameters;  // upper case, without "@", in order
 };
 
 struct Database {
   std::map<std::string, DbSource> sources;        // by upper-case name
   std::map<std::string, DbProcedure> procedures;  // by upper-case name
+  // The login may not see every object: one it cannot see reads as absent.
+  bool partialView = false;
 };
 
 std::int32_t intOf(const Variant& v) {
   return v.isNull() ? 0 : toLong(v);
+}
+
+// A column the catalog may leave out (the store has no schemas and no rights): Null when absent.
+const Variant& optionalField(const Recordset& rs, std::u16string_view name) {
+  static const Variant kNull = Variant::null();
+  const auto i = rs.findField(name);
+  return i ? rs.Fields(*i) : kNull;
+}
+
+void readRight(const Recordset& rs, std::u16string_view column, Right right, Rights& rights) {
+  const Variant& v = optionalField(rs, column);
+  if (v.isNull()) return;
+  const auto bit = static_cast<std::uint8_t>(1U << static_cast<unsigned>(right));
+  rights.known |= bit;
+  if (toLong(v) != 0) rights.granted |= bit;
+}
+
+// A name in the login's default schema when that is not dbo says so: it is not the one a dbo
+// login would reach.
+std::string qualified(const std::string& schema, const std::string& name) {
+  return schema.empty() || upperAscii(schema) == "DBO" ? name : schema + "." + name;
+}
+
+// Whether the login may see every object of the database: a server administrator, the
+// database's owner or one granted VIEW DEFINITION on it. Anyone else sees only the objects it
+// has some right on. The store, which has no logins, sees everything.
+bool seesEverything(Connection& c, const std::u16string& connect) {
+  if (providers::nameFor(connect) == "embedded") return true;
+  try {
+    const auto rs = c.Execute(
+        u"SELECT CASE WHEN IS_SRVROLEMEMBER('sysadmin') = 1 OR IS_MEMBER('db_owner') = 1 OR "
+        u"USER_NAME() = 'dbo' OR HAS_PERMS_BY_NAME(DB_NAME(), 'DATABASE', 'VIEW DEFINITION') = 1 "
+        u"THEN 1 ELSE 0 END AS SEES_ALL");
+    return rs->EOF_() || intOf(rs->Fields(u"SEES_ALL")) != 0;
+  } catch (const Error&) {
+    return true;  // a database that cannot say is not one whose rights hide anything we know of
+  }
 }
 
 Database readCatalog(const std::u16string& connect,
@@ -75,17 +131,29 @@ Database readCatalog(const std::u16string& connect,
   Connection c;
   c.Open(connect);
   Database db;
+  db.partialView = !seesEverything(c, connect);
+  // The catalog answers only the objects an unqualified name reaches, one of each name; the
+  // schema is compared all the same, so that a catalog which answers more never merges two
+  // schemas' objects into one.
   say("reading the tables and views");
   for (auto rs = c.OpenSchema(SchemaKind::Tables); !rs->EOF_(); rs->MoveNext()) {
     DbSource s;
-    s.name = textOf(rs->Fields(u"TABLE_NAME"));
+    s.schema = textOf(optionalField(*rs, u"TABLE_SCHEMA"));
+    s.name = qualified(s.schema, textOf(rs->Fields(u"TABLE_NAME")));
     s.view = upperAscii(textOf(rs->Fields(u"TABLE_TYPE"))) == "VIEW";
-    db.sources.emplace(upperAscii(s.name), std::move(s));
+    readRight(*rs, u"CAN_SELECT", Right::Select, s.rights);
+    readRight(*rs, u"CAN_INSERT", Right::Insert, s.rights);
+    readRight(*rs, u"CAN_UPDATE", Right::Update, s.rights);
+    readRight(*rs, u"CAN_DELETE", Right::Delete, s.rights);
+    db.sources.emplace(upperAscii(textOf(rs->Fields(u"TABLE_NAME"))), std::move(s));
   }
   say("reading the columns");
   for (auto rs = c.OpenSchema(SchemaKind::Columns); !rs->EOF_(); rs->MoveNext()) {
     const auto it = db.sources.find(upperAscii(textOf(rs->Fields(u"TABLE_NAME"))));
     if (it == db.sources.end()) continue;
+    if (upperAscii(textOf(optionalField(*rs, u"TABLE_SCHEMA"))) != upperAscii(it->second.schema)) {
+      continue;
+    }
     DbColumn col;
     col.name = textOf(rs->Fields(u"COLUMN_NAME"));
     col.type = textOf(rs->Fields(u"DATA_TYPE"));
@@ -102,11 +170,18 @@ Database readCatalog(const std::u16string& connect,
   for (auto rs = c.OpenSchema(SchemaKind::Procedures); !rs->EOF_(); rs->MoveNext()) {
     DbProcedure p;
     p.name = textOf(rs->Fields(u"PROCEDURE_NAME"));
-    db.procedures.emplace(upperAscii(p.name), std::move(p));
+    readRight(*rs, u"CAN_EXECUTE", Right::Execute, p.rights);
+    const std::string key = upperAscii(p.name);
+    p.schema = textOf(optionalField(*rs, u"PROCEDURE_SCHEMA"));
+    p.name = qualified(p.schema, p.name);
+    db.procedures.emplace(key, std::move(p));
   }
   for (auto rs = c.OpenSchema(SchemaKind::ProcedureParameters); !rs->EOF_(); rs->MoveNext()) {
     const auto it = db.procedures.find(upperAscii(textOf(rs->Fields(u"PROCEDURE_NAME"))));
-    if (it == db.procedures.end()) continue;
+    if (it == db.procedures.end() || upperAscii(textOf(optionalField(*rs, u"PROCEDURE_SCHEMA"))) !=
+                                         upperAscii(it->second.schema)) {
+      continue;
+    }
     std::string name = textOf(rs->Fields(u"PARAMETER_NAME"));
     if (!name.empty() && name.front() == '@') name.erase(0, 1);
     if (!name.empty()) it->second.parameters.push_back(upperAscii(name));
@@ -294,10 +369,18 @@ class Checker {
     const auto it = db_.sources.find(upperAscii(source));
     if (it == db_.sources.end()) {
       add(SchemaFinding::Severity::Problem, info.name, source,
-          info.isView ? "the view it loads from" : "the table it loads and writes", "none");
+          info.isView ? "the view it loads from" : "the table it loads and writes", absent());
       return;
     }
     const DbSource& db = it->second;
+    const auto* table = dynamic_cast<const TableObject*>(object.get());
+    if (table && db.view) {
+      add(SchemaFinding::Severity::Problem, info.name, db.name,
+          "a table: Commit inserts and updates its rows and reads a new row's key back as its "
+          "identity, Delete removes or flags them",
+          "a view");
+    }
+    checkRights(info.name, db, table);
 
     // Each column by the name the statements use, with how the class uses it.
     std::map<std::string, Use> uses;
@@ -310,14 +393,15 @@ class Checker {
     };
     std::u16string selectList;
     bool star = true;
-    if (const auto* table = dynamic_cast<const TableObject*>(object.get())) {
+    if (table) {
       const TableConfig& config = table->config();
       star = config.generation == Generation::First;
       if (!star) selectList = table->SelectFields();
       for (const auto& name : splitNames(table->InsertFields())) {
         use(bareName(name), fieldWritten(layout, name), true);
       }
-      checkKey(info.name, db, bareName(config.keyColumn));
+      // A view's columns say nothing of a key it cannot give: it is reported as a view.
+      if (!db.view) checkKey(info.name, db, bareName(config.keyColumn));
       if (config.deleteStyle == DeleteStyle::Soft) use("DELETEDFLAG", nullptr, true);
     } else if (const auto* view = dynamic_cast<const ViewObject*>(object.get())) {
       star = view->config().shape == LoadStyle::Star;
@@ -349,9 +433,49 @@ class Checker {
       }
     }
 
-    if (const auto* table = dynamic_cast<const TableObject*>(object.get())) {
-      checkProcedure(info.name, table->config().insertProcedure, {u"p_Stmt"}, 0);
+    if (table) checkProcedure(info.name, table->config().insertProcedure, {u"p_Stmt"}, 0);
+  }
+
+  // "none", and for a login that does not see every object, that its rights may hide one.
+  std::string absent() const {
+    return db_.partialView ? "none this login can see (one it has no rights on is hidden from it)"
+                           : "none";
+  }
+
+  // The rights each statement of the class needs of its table or view. A new row's insert runs
+  // inside the insert procedure as text of its own, with the caller's rights: the login needs
+  // INSERT on the table as well as EXECUTE on the procedure.
+  void checkRights(const std::string& className, const DbSource& db, const TableObject* table) {
+    std::vector<Right> needed{Right::Select};
+    std::string uses = "Load";
+    if (table) {
+      const TableConfig& config = table->config();
+      needed.insert(needed.end(), {Right::Insert, Right::Update});
+      // A flagged row is an UPDATE; a row its procedure deletes needs only EXECUTE on that.
+      const bool deletes = config.deleteStyle == DeleteStyle::Hard ||
+                           config.criteriaDelete != CriteriaDeleteForm::None;
+      if (deletes) needed.push_back(Right::Delete);
+      uses += config.deleteStyle == DeleteStyle::Procedure && !deletes ? " and Commit"
+                                                                       : ", Commit and Delete";
     }
+    std::vector<Right> lacking;
+    for (const Right r : needed) {
+      if (db.rights.lacks(r)) lacking.push_back(r);
+    }
+    if (lacking.empty()) return;
+    add(SchemaFinding::Severity::Problem, className, db.name,
+        fmt::format("the {} right{} for {}", rightList(needed), needed.size() == 1 ? "" : "s",
+                    uses),
+        "this login lacks " + rightList(lacking));
+  }
+
+  static std::string rightList(const std::vector<Right>& rights) {
+    std::string out;
+    for (std::size_t i = 0; i < rights.size(); ++i) {
+      if (i > 0) out += i + 1 == rights.size() ? " and " : ", ";
+      out += kRightNames[static_cast<std::size_t>(rights[i])];
+    }
+    return out;
   }
 
   // A new record's insert answers the key its procedure reads back as the new identity.
@@ -377,8 +501,12 @@ class Checker {
     procedures_.insert(upperAscii(name));
     const auto it = db_.procedures.find(upperAscii(name));
     if (it == db_.procedures.end()) {
-      add(SchemaFinding::Severity::Problem, caller, name, "a stored procedure it calls", "none");
+      add(SchemaFinding::Severity::Problem, caller, name, "a stored procedure it calls", absent());
       return;
+    }
+    if (it->second.rights.lacks(Right::Execute)) {
+      add(SchemaFinding::Severity::Problem, caller, it->second.name,
+          "the EXECUTE right: the class calls it", "this login lacks it");
     }
     const auto& parameters = it->second.parameters;
     std::string has = parameters.empty() ? "no parameters" : "";

@@ -153,22 +153,47 @@ void Connection::ExecuteInto(const std::u16string& sql, RecordSink& sink, int op
 }
 
 std::shared_ptr<Recordset> ProviderConnection::openSchema(SchemaKind kind) {
-  // sys.all_parameters rather than INFORMATION_SCHEMA.PARAMETERS, which not every engine that
+  // Only the objects an unqualified name reaches: the server looks in the login's default schema,
+  // then in dbo, and never in another schema. Each object also says what the login may do with
+  // it. sys.all_parameters rather than INFORMATION_SCHEMA.PARAMETERS, which not every engine that
   // speaks T-SQL has.
-  static constexpr std::u16string_view kQueries[] = {
-      u"SELECT TABLE_NAME, TABLE_TYPE FROM INFORMATION_SCHEMA.TABLES",
-      u"SELECT c.TABLE_NAME, c.COLUMN_NAME, LOWER(c.DATA_TYPE) AS DATA_TYPE, "
-      u"c.CHARACTER_MAXIMUM_LENGTH, c.NUMERIC_PRECISION, c.NUMERIC_SCALE, "
-      u"COLUMNPROPERTY(OBJECT_ID(QUOTENAME(c.TABLE_SCHEMA) + '.' + QUOTENAME(c.TABLE_NAME)), "
-      u"c.COLUMN_NAME, 'IsIdentity') AS IS_IDENTITY "
-      u"FROM INFORMATION_SCHEMA.COLUMNS c ORDER BY c.TABLE_NAME, c.ORDINAL_POSITION",
-      u"SELECT name AS PROCEDURE_NAME FROM sys.procedures",
-      u"SELECT pr.name AS PROCEDURE_NAME, p.name AS PARAMETER_NAME, "
-      u"p.parameter_id AS ORDINAL_POSITION FROM sys.procedures pr "
-      u"JOIN sys.all_parameters p ON p.object_id = pr.object_id "
-      u"ORDER BY pr.name, p.parameter_id",
-  };
-  return execute(std::u16string(kQueries[static_cast<std::size_t>(kind)]), adOptionUnspecified);
+  static const std::vector<std::u16string> kQueries = [] {
+    const auto reachedTable = [](std::u16string_view a) {
+      const std::u16string t(a);
+      return u" WHERE " + t + u".TABLE_SCHEMA = SCHEMA_NAME() OR " + t +
+             u".TABLE_SCHEMA = 'dbo' AND NOT EXISTS (SELECT 1 FROM INFORMATION_SCHEMA.TABLES o "
+             u"WHERE o.TABLE_SCHEMA = SCHEMA_NAME() AND o.TABLE_NAME = " +
+             t + u".TABLE_NAME)";
+    };
+    const std::u16string reachedProcedure =
+        u" WHERE pr.schema_id = SCHEMA_ID() OR pr.schema_id = SCHEMA_ID('dbo') AND NOT EXISTS "
+        u"(SELECT 1 FROM sys.procedures o WHERE o.schema_id = SCHEMA_ID() AND o.name = pr.name)";
+    std::u16string tables = u"SELECT t.TABLE_SCHEMA, t.TABLE_NAME, t.TABLE_TYPE";
+    for (const std::u16string_view right : {u"SELECT", u"INSERT", u"UPDATE", u"DELETE"}) {
+      tables +=
+          u", HAS_PERMS_BY_NAME(QUOTENAME(t.TABLE_SCHEMA) + '.' + QUOTENAME(t.TABLE_NAME), "
+          u"'OBJECT', '" +
+          std::u16string(right) + u"') AS CAN_" + std::u16string(right);
+    }
+    tables += u" FROM INFORMATION_SCHEMA.TABLES t" + reachedTable(u"t");
+    return std::vector<std::u16string>{
+        tables,
+        u"SELECT c.TABLE_SCHEMA, c.TABLE_NAME, c.COLUMN_NAME, LOWER(c.DATA_TYPE) AS DATA_TYPE, "
+        u"c.CHARACTER_MAXIMUM_LENGTH, c.NUMERIC_PRECISION, c.NUMERIC_SCALE, "
+        u"COLUMNPROPERTY(OBJECT_ID(QUOTENAME(c.TABLE_SCHEMA) + '.' + QUOTENAME(c.TABLE_NAME)), "
+        u"c.COLUMN_NAME, 'IsIdentity') AS IS_IDENTITY FROM INFORMATION_SCHEMA.COLUMNS c" +
+            reachedTable(u"c") + u" ORDER BY c.TABLE_NAME, c.ORDINAL_POSITION",
+        u"SELECT pr.name AS PROCEDURE_NAME, SCHEMA_NAME(pr.schema_id) AS PROCEDURE_SCHEMA, "
+        u"HAS_PERMS_BY_NAME(QUOTENAME(SCHEMA_NAME(pr.schema_id)) + '.' + QUOTENAME(pr.name), "
+        u"'OBJECT', 'EXECUTE') AS CAN_EXECUTE FROM sys.procedures pr" +
+            reachedProcedure,
+        u"SELECT pr.name AS PROCEDURE_NAME, SCHEMA_NAME(pr.schema_id) AS PROCEDURE_SCHEMA, "
+        u"p.name AS PARAMETER_NAME, "
+        u"p.parameter_id AS ORDINAL_POSITION FROM sys.procedures pr "
+        u"JOIN sys.all_parameters p ON p.object_id = pr.object_id" +
+            reachedProcedure + u" ORDER BY pr.name, p.parameter_id"};
+  }();
+  return execute(kQueries[static_cast<std::size_t>(kind)], adOptionUnspecified);
 }
 
 std::shared_ptr<Recordset> Connection::OpenSchema(SchemaKind kind) {
