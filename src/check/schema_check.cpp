@@ -61,7 +61,6 @@ struct Rights {
 };
 
 struct DbSource {
-  std::string name;  // as a finding names it: qualified when not in dbo
   std::string schema;
   bool view = false;
   Rights rights;
@@ -139,7 +138,6 @@ Database readCatalog(const std::u16string& connect,
   for (auto rs = c.OpenSchema(SchemaKind::Tables); !rs->EOF_(); rs->MoveNext()) {
     DbSource s;
     s.schema = textOf(optionalField(*rs, u"TABLE_SCHEMA"));
-    s.name = qualified(s.schema, textOf(rs->Fields(u"TABLE_NAME")));
     s.view = upperAscii(textOf(rs->Fields(u"TABLE_TYPE"))) == "VIEW";
     readRight(*rs, u"CAN_SELECT", Right::Select, s.rights);
     readRight(*rs, u"CAN_INSERT", Right::Insert, s.rights);
@@ -173,7 +171,6 @@ Database readCatalog(const std::u16string& connect,
     readRight(*rs, u"CAN_EXECUTE", Right::Execute, p.rights);
     const std::string key = upperAscii(p.name);
     p.schema = textOf(optionalField(*rs, u"PROCEDURE_SCHEMA"));
-    p.name = qualified(p.schema, p.name);
     db.procedures.emplace(key, std::move(p));
   }
   for (auto rs = c.OpenSchema(SchemaKind::ProcedureParameters); !rs->EOF_(); rs->MoveNext()) {
@@ -373,14 +370,16 @@ class Checker {
       return;
     }
     const DbSource& db = it->second;
+    // The class's spelling: the catalog may answer a name in another case.
+    const std::string shown = qualified(db.schema, source);
     const auto* table = dynamic_cast<const TableObject*>(object.get());
     if (table && db.view) {
-      add(SchemaFinding::Severity::Problem, info.name, db.name,
+      add(SchemaFinding::Severity::Problem, info.name, shown,
           "a table: Commit inserts and updates its rows and reads a new row's key back as its "
           "identity, Delete removes or flags them",
           "a view");
     }
-    checkRights(info.name, db, table);
+    checkRights(info.name, shown, db, table);
 
     // Each column by the name the statements use, with how the class uses it.
     std::map<std::string, Use> uses;
@@ -401,7 +400,7 @@ class Checker {
         use(bareName(name), fieldWritten(layout, name), true);
       }
       // A view's columns say nothing of a key it cannot give: it is reported as a view.
-      if (!db.view) checkKey(info.name, db, bareName(config.keyColumn));
+      if (!db.view) checkKey(info.name, shown, db, bareName(config.keyColumn));
       if (config.deleteStyle == DeleteStyle::Soft) use("DELETEDFLAG", nullptr, true);
     } else if (const auto* view = dynamic_cast<const ViewObject*>(object.get())) {
       star = view->config().shape == LoadStyle::Star;
@@ -417,9 +416,9 @@ class Checker {
 
     for (const auto& name : order) {
       const Use& u = uses.at(upperAscii(name));
-      columns_.insert(upperAscii(source) + "." + upperAscii(name));
+      columns_.insert(upperAscii(shown) + "." + upperAscii(name));
       const auto col = db.columns.find(upperAscii(name));
-      const std::string where = db.name + "." + name;
+      const std::string where = shown + "." + name;
       if (col == db.columns.end()) {
         add(SchemaFinding::Severity::Problem, info.name, where,
             "a column" + (u.field ? " for " + fieldText(*u.field) : std::string()) +
@@ -445,7 +444,8 @@ class Checker {
   // The rights each statement of the class needs of its table or view. A new row's insert runs
   // inside the insert procedure as text of its own, with the caller's rights: the login needs
   // INSERT on the table as well as EXECUTE on the procedure.
-  void checkRights(const std::string& className, const DbSource& db, const TableObject* table) {
+  void checkRights(const std::string& className, const std::string& shown, const DbSource& db,
+                   const TableObject* table) {
     std::vector<Right> needed{Right::Select};
     std::string uses = "Load";
     if (table) {
@@ -463,7 +463,7 @@ class Checker {
       if (db.rights.lacks(r)) lacking.push_back(r);
     }
     if (lacking.empty()) return;
-    add(SchemaFinding::Severity::Problem, className, db.name,
+    add(SchemaFinding::Severity::Problem, className, shown,
         fmt::format("the {} right{} for {}", rightList(needed), needed.size() == 1 ? "" : "s",
                     uses),
         "this login lacks " + rightList(lacking));
@@ -479,10 +479,11 @@ class Checker {
   }
 
   // A new record's insert answers the key its procedure reads back as the new identity.
-  void checkKey(const std::string& className, const DbSource& db, const std::string& key) {
-    columns_.insert(upperAscii(db.name) + "." + upperAscii(key));
+  void checkKey(const std::string& className, const std::string& shown, const DbSource& db,
+                const std::string& key) {
+    columns_.insert(upperAscii(shown) + "." + upperAscii(key));
     const auto col = db.columns.find(upperAscii(key));
-    const std::string where = db.name + "." + key;
+    const std::string where = shown + "." + key;
     if (col == db.columns.end()) {
       add(SchemaFinding::Severity::Problem, className, where, "the key, an identity column",
           "none");
@@ -505,7 +506,7 @@ class Checker {
       return;
     }
     if (it->second.rights.lacks(Right::Execute)) {
-      add(SchemaFinding::Severity::Problem, caller, it->second.name,
+      add(SchemaFinding::Severity::Problem, caller, qualified(it->second.schema, name),
           "the EXECUTE right: the class calls it", "this login lacks it");
     }
     const auto& parameters = it->second.parameters;
