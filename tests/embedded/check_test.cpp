@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "check/procedure_calls.hpp"
 #include "providers/embedded/catalog.hpp"
@@ -36,7 +37,14 @@ TEST(SchemaCheck, AFreshStoreFitsAndEachDamageIsReportedAlone) {
   EXPECT_GT(baseline.columns, 1000);
   removeStore(fresh);
 
-  for (const auto& damage : schemaDamages()) {
+  // The store has no schemas and no rights, but a view can stand where a class writes a table.
+  std::vector<vrdppo::testing::SchemaDamage> damages = schemaDamages();
+  damages.push_back({"a view standing in for a table the class writes",
+                     {},
+                     "ALTER TABLE STEMCLASS RENAME TO STEMCLASSDATA; CREATE VIEW STEMCLASS AS "
+                     "SELECT STEMCLASSID, Description, DeletedFlag FROM STEMCLASSDATA",
+                     "problem|cStemClassPersist|STEMCLASS"});
+  for (const auto& damage : damages) {
     if (!damage.store) continue;
     SCOPED_TRACE(damage.name);
     const std::string path = made("check_damaged");
