@@ -505,9 +505,10 @@ class Checker {
       add(SchemaFinding::Severity::Problem, caller, name, "a stored procedure it calls", absent());
       return;
     }
+    const std::string shown = qualified(it->second.schema, name);
     if (it->second.rights.lacks(Right::Execute)) {
-      add(SchemaFinding::Severity::Problem, caller, qualified(it->second.schema, name),
-          "the EXECUTE right: the class calls it", "this login lacks it");
+      add(SchemaFinding::Severity::Problem, caller, shown, "the EXECUTE right: the class calls it",
+          "this login lacks it");
     }
     const auto& parameters = it->second.parameters;
     std::string has = parameters.empty() ? "no parameters" : "";
@@ -516,12 +517,12 @@ class Checker {
       const std::string parameter = "@" + toUtf8(given);
       if (std::find(parameters.begin(), parameters.end(), upperAscii(parameter.substr(1))) ==
           parameters.end()) {
-        add(SchemaFinding::Severity::Problem, caller, fmt::format("{} {}", name, parameter),
+        add(SchemaFinding::Severity::Problem, caller, fmt::format("{} {}", shown, parameter),
             "a parameter " + parameter + ", passed by name", has);
       }
     }
     if (static_cast<int>(parameters.size()) < positional) {
-      add(SchemaFinding::Severity::Problem, caller, name,
+      add(SchemaFinding::Severity::Problem, caller, shown,
           fmt::format("{} parameters, passed by position", positional), has);
     }
   }
