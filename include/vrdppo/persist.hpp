@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
@@ -84,6 +85,12 @@ struct ViewConfig {
 };
 
 // Every persist object: its class's registry entry and its record.
+//
+// One call at a time: every public operation holds the object's lock while it runs, so that
+// threads sharing an object wait for each other's calls, as they did when the platform kept an
+// object's calls on one thread. The record is the last call's; a caller that needs two calls to
+// see the same record (Commit, then GetState for the new key) holds lock() across both. The
+// record accessors (record(), key(), recordBytes()) take no lock.
 class PersistObject {
  public:
   virtual ~PersistObject() = default;
@@ -94,10 +101,18 @@ class PersistObject {
     return const_cast<PersistObject*>(this)->recordBytes();
   }
 
+  // Held by each public operation; recursive, since operations call others (Commit, SetState).
+  [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() const {
+    return std::unique_lock(calls_);
+  }
+
   std::u16string GetState() const;
   void SetState(std::u16string_view state);
   // Fills the record from the recordset's current row, by name.
   void RecordToObj(const Recordset& ars);
+
+ private:
+  mutable std::recursive_mutex calls_;
 };
 
 // The table contract.
@@ -170,6 +185,7 @@ class PersistWith : protected RecordHolder<Record>, public Base {
   // PersistObject's SetState, with the record's size known here: a state that covers the whole
   // record is copied in at once, which is what a walk over a Buffer's records does.
   void SetState(std::u16string_view state) {
+    const auto call = this->lock();
     if (state.size() * sizeof(char16_t) >= sizeof(Record)) {
       std::memcpy(static_cast<void*>(&this->rec), state.data(), sizeof(Record));
     } else {

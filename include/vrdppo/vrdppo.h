@@ -166,7 +166,8 @@ VRDPPO_C_API int32_t vrdppo_release(vrdppo_object* object, vrdppo_status* status
 /* Late-bound calls: arguments in the member's order, optional ones as VRDPPO_MISSING or left off
  * the end. The result is written to *result (which may be NULL), to be cleared by the caller
  * (it is overwritten, not freed, so clear a value before reusing it).
- * Each returns the status's number. */
+ * Each returns the status's number. An object may be shared between threads: calls on it run one
+ * at a time (a second waits for the first to end), and its record is the last call's. */
 VRDPPO_C_API int32_t vrdppo_invoke(vrdppo_object* object, const char* member,
                                    const vrdppo_value* args, int32_t arg_count,
                                    vrdppo_value* result, vrdppo_status* status);

@@ -102,6 +102,7 @@ void cCagePersist::SendAlert(std::u16string sConnect, Long lAlertID, Long lCageI
   } catch (...) {
   }
   try {
+    const auto call = lock();
     Connection connection;
     try {
       connection.Open(sConnect, {}, {}, adOptionUnspecified);

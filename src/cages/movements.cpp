@@ -106,6 +106,7 @@ const ClassInfo& cCageMovementPersist::info() {
 }
 
 bool cCageMovementPersist::Post(const std::u16string& sBuffer, const std::u16string& sConnect) {
+  const auto call = lock();
   SetState(sBuffer);
   return postOnOwnConnection(sConnect,
                              u"EXEC sp_PostCageMovement " + longText(record().CageMovementID));

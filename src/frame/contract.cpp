@@ -76,14 +76,17 @@ bool postOnOwnConnection(const std::u16string& sConnect, const std::u16string& s
 // --- record support shared by tables and views ---
 
 std::u16string PersistObject::GetState() const {
+  const auto call = lock();
   return recordState(layout(), recordBytes());
 }
 
 void PersistObject::SetState(std::u16string_view state) {
+  const auto call = lock();
   setRecordState(layout(), recordBytes(), state);
 }
 
 void PersistObject::RecordToObj(const Recordset& ars) {
+  const auto call = lock();
   const RecordLayout& l = layout();
   std::byte* record = recordBytes();
   initialiseRecord(l, record);
@@ -146,6 +149,7 @@ class LoadSink final : public RecordSink {
 std::u16string loadInto(PersistObject& object, const LoadSpec& spec,
                         const std::u16string& sCriteria, const std::u16string& sConnect,
                         std::int32_t lTop) {
+  const auto call = object.lock();
   if (spec.top == TopArg::None) lTop = 0;
   dbHelp::ConnectString = sConnect;
   const RecordLayout& layout = object.layout();
@@ -167,14 +171,17 @@ void TableObject::setKey(std::int32_t key) noexcept {
 }
 
 std::u16string TableObject::FieldValue(std::u16string_view name) const {
+  const auto call = lock();
   return renderByName(layout(), recordBytes(), name, config_.keyInFieldValue);
 }
 
 std::u16string TableObject::InsertFields() const {
+  const auto call = lock();
   return joinNames(layout(), config_.writeList, true);
 }
 
 std::u16string TableObject::InsertValues() const {
+  const auto call = lock();
   std::u16string out;
   for (const auto name : writeNames(config_)) {
     if (!out.empty()) out += u", ";
@@ -184,6 +191,7 @@ std::u16string TableObject::InsertValues() const {
 }
 
 std::u16string TableObject::UpdateFields() const {
+  const auto call = lock();
   std::u16string out;
   for (const auto name : writeNames(config_)) {
     if (!out.empty()) out += u", ";
@@ -195,11 +203,13 @@ std::u16string TableObject::UpdateFields() const {
 }
 
 std::u16string TableObject::SelectFields() const {
+  const auto call = lock();
   return joinNames(layout(), config_.selectList, false);
 }
 
 std::u16string TableObject::Load(const std::u16string& sCriteria, const std::u16string& sConnect,
                                  std::int32_t lTop) {
+  const auto call = lock();
   const LoadSpec spec{config_.table,
                       config_.generation == Generation::First ? LoadStyle::Star : LoadStyle::List,
                       config_.top, config_.estimate, config_.selectList};
@@ -207,6 +217,7 @@ std::u16string TableObject::Load(const std::u16string& sCriteria, const std::u16
 }
 
 bool TableObject::Commit(const std::u16string& sBuffer, const std::u16string& sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   if (key() != 0) {
@@ -229,6 +240,7 @@ bool TableObject::Commit(const std::u16string& sBuffer, const std::u16string& sC
 }
 
 bool TableObject::Delete(const std::u16string& sBuffer, const std::u16string& sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   const std::u16string table(config_.table);
@@ -244,6 +256,7 @@ bool TableObject::Delete(const std::u16string& sBuffer, const std::u16string& sC
 
 bool TableObject::CriteriaDelete(const std::u16string& sBuffer, const std::u16string& second,
                                  const std::u16string& third, bool bHardDelete) {
+  const auto call = lock();
   const std::u16string table(config_.table);
   if (config_.criteriaDelete == CriteriaDeleteForm::First) {
     const std::u16string& sCriteria = second;
@@ -271,15 +284,18 @@ bool TableObject::CriteriaDelete(const std::u16string& sBuffer, const std::u16st
 // --- views ---
 
 std::u16string ViewObject::SelectFields() const {
+  const auto call = lock();
   return joinNames(layout(), config_.selectList, false);
 }
 
 std::u16string ViewObject::FieldValue(std::u16string_view name) const {
+  const auto call = lock();
   return renderByName(layout(), recordBytes(), name, true);
 }
 
 std::u16string ViewObject::Load(const std::u16string& sCriteria, const std::u16string& sConnect,
                                 std::int32_t lTop) {
+  const auto call = lock();
   const LoadSpec spec{config_.view, config_.shape, config_.top, config_.estimate,
                       config_.selectList};
   return loadInto(*this, spec, sCriteria, sConnect, lTop);

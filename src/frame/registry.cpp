@@ -316,6 +316,8 @@ Variant call(PersistObject& object, const MemberInfo* m, std::span<const Variant
       throw Error::runtime(err::kArgumentNotOptional);
     }
   }
+  // The whole call under the object's lock, whatever the member calls on it.
+  const auto one = object.lock();
   return m->invoke(object, coerced);
 }
 

@@ -128,6 +128,7 @@ const ClassInfo& cGreenInHousePersist::info() {
 }
 // The fixed text is in mixed case, unlike the class's other statements.
 void cGreenInHousePersist::DeleteAll(const std::u16string& sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   runStatement(u"DELETE FROM GreenInHouse");
 }
@@ -141,6 +142,7 @@ const ClassInfo& cInHouseRecGradesPersist::info() {
   return i;
 }
 void cInHouseRecGradesPersist::DeleteAll(const std::u16string& sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   runStatement(u"DELETE FROM InHouseRecGrades");
 }

@@ -82,6 +82,7 @@ const ClassInfo& cPhysicalInventoryPersist::info() {
   return i;
 }
 void cPhysicalInventoryPersist::Clear(const std::u16string& sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   const auto rs = dbHelp::OpenRecordset(u"DELETE FROM PHYSICALINVENTORY");
   if (rs->State() == adStateOpen) rs->Close();

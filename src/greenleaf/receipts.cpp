@@ -78,6 +78,7 @@ const ClassInfo& cGreenReceiptPersist::info() {
 }
 
 bool cGreenReceiptPersist::PostReceipts(const std::u16string& sConnect, Long lContactId) {
+  const auto call = lock();
   // ConnectString stays as it is.
   return postOnOwnConnection(sConnect, u"EXEC sp_PostGreenReceipts " + longText(lContactId));
 }

@@ -132,6 +132,7 @@ const ClassInfo& cvLabPackedChinaExportPersist::info() {
 // QUOTED_IDENTIFIER, no audit id and the connection's own time-out. Every failure is
 // swallowed, and the connection is then let go unclosed.
 void cLabAdviceNotePersist::qsp_LabSyncAdvice(const std::u16string& sConnect) {
+  const auto call = lock();
   try {
     Connection connection;
     connection.setCursorLocation(adUseClient);

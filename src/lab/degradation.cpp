@@ -109,6 +109,7 @@ const ClassInfo& cLabDegSumPersist::info() {
 
 bool cLabDegradationPersist::LabAddDegradation(const std::u16string& sBuffer,
                                                const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabAddDegradation @p_DegradationID= " + longText(lID), {0});
 }
@@ -116,6 +117,7 @@ bool cLabDegradationPersist::LabAddDegradation(const std::u16string& sBuffer,
 // A removal also succeeds on -2, unlike every other retried call.
 bool cLabDegradationPersist::LabRemoveDegradation(const std::u16string& sBuffer,
                                                   const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabRemoveDegradation @p_DegradationID= " + longText(lID), {0, -2});
 }
@@ -124,12 +126,14 @@ bool cLabDegradationPersist::qsp_OnHoldCheck(const std::u16string& sBuffer,
                                              const std::u16string& sConnect, Long GradeId,
                                              Long ContainerNumber, const std::u16string& Status,
                                              Long UserID) {
+  const auto call = lock();
   return lab::onHoldCheck(*this, sBuffer, sConnect, GradeId, ContainerNumber, Status, UserID);
 }
 
 bool cLabDegradationPersist::qsp_ContainerPrized(const std::u16string& sBuffer,
                                                  const std::u16string& sConnect, Long GradeId,
                                                  Long ContainerNumber) {
+  const auto call = lock();
   return lab::containerPrized(*this, sBuffer, sConnect, GradeId, ContainerNumber);
 }
 

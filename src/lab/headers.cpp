@@ -68,28 +68,26 @@ const ClassInfo& cLabHeaderPersist::info() {
   static const ClassInfo i = [] {
     auto m = tableMembers(kLabHeader);
     using C = cLabHeaderPersist;
-    m.push_back(method<C>(
-        "qsp_LabCreateIntermediateNotes",
-        {stringArg("sBuffer"), stringArg("sConnect"), longArg("lSeason"),
-         longArg("lCompanyID"), stringArg("sFromDate"), stringArg("sToDate")},
-        ValueType::Boolean, [](C& o, std::span<const Variant> a) {
-          return Variant(o.qsp_LabCreateIntermediateNotes(a[0].str(), a[1].str(), a[2].lng(),
-                                                          a[3].lng(), a[4].str(), a[5].str()));
-        }));
     m.push_back(
-        method<C>("DeleteIntermediateNotes",
-                  {stringArg("sConnect"), longArg("lSeason"), longArg("lCompanyID"),
-                   ArgInfo{"vProductionGradeId", ValueType::Variant, true, true, {}}},
-                  ValueType::None, [](C& o, std::span<const Variant> a) {
-                    o.DeleteIntermediateNotes(a[0].str(), a[1].lng(), a[2].lng(), a[3]);
-                    return Variant();
+        method<C>("qsp_LabCreateIntermediateNotes",
+                  {stringArg("sBuffer"), stringArg("sConnect"), longArg("lSeason"),
+                   longArg("lCompanyID"), stringArg("sFromDate"), stringArg("sToDate")},
+                  ValueType::Boolean, [](C& o, std::span<const Variant> a) {
+                    return Variant(o.qsp_LabCreateIntermediateNotes(
+                        a[0].str(), a[1].str(), a[2].lng(), a[3].lng(), a[4].str(), a[5].str()));
                   }));
+    m.push_back(method<C>("DeleteIntermediateNotes",
+                          {stringArg("sConnect"), longArg("lSeason"), longArg("lCompanyID"),
+                           ArgInfo{"vProductionGradeId", ValueType::Variant, true, true, {}}},
+                          ValueType::None, [](C& o, std::span<const Variant> a) {
+                            o.DeleteIntermediateNotes(a[0].str(), a[1].lng(), a[2].lng(), a[3]);
+                            return Variant();
+                          }));
     m.push_back(method<C>("LockHeader", {stringArg("sConnect"), longArg("lLabHeaderId")},
                           ValueType::Boolean, [](C& o, std::span<const Variant> a) {
                             return Variant(o.LockHeader(a[0].str(), a[1].lng()));
                           }));
-    m.push_back(method<C>("ReleaseHeader",
-                          {stringArg("sConnect"), longArg("lLabHeaderId")},
+    m.push_back(method<C>("ReleaseHeader", {stringArg("sConnect"), longArg("lLabHeaderId")},
                           ValueType::None, [](C& o, std::span<const Variant> a) {
                             o.ReleaseHeader(a[0].str(), a[1].lng());
                             return Variant();
@@ -111,6 +109,7 @@ bool cLabHeaderPersist::qsp_LabCreateIntermediateNotes(const std::u16string& sBu
                                                        Long lCompanyID,
                                                        const std::u16string& sFromDate,
                                                        const std::u16string& sToDate) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   runStatement(u"EXEC qsp_LabCreateIntermediateNotes @p_Season= " + longText(lSeason) +
                u", @p_CompanyID=" + longText(lCompanyID) + u", @p_FromDate='" + sFromDate +
@@ -123,6 +122,7 @@ bool cLabHeaderPersist::qsp_LabCreateIntermediateNotes(const std::u16string& sBu
 void cLabHeaderPersist::DeleteIntermediateNotes(const std::u16string& sConnect, Long lSeason,
                                                 Long lCompanyID,
                                                 const Variant& vProductionGradeId) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   // A given grade wins and the company is not used. Null and Empty count as given: their text
   // is empty, so the selector ends at the equals sign and the statement fails.
@@ -154,6 +154,7 @@ void cLabHeaderPersist::DeleteIntermediateNotes(const std::u16string& sConnect, 
 
 // One call, one answer: the server arbitrates, and only a 1 in the first column grants.
 bool cLabHeaderPersist::LockHeader(const std::u16string& sConnect, Long lLabHeaderId) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   const auto rs =
       dbHelp::OpenRecordset(u"EXEC qsp_LabLockHeader @p_LabHeaderId = " + longText(lLabHeaderId));
@@ -164,6 +165,7 @@ bool cLabHeaderPersist::LockHeader(const std::u16string& sConnect, Long lLabHead
 
 // The lock lives in ForeignCount; releasing asks nobody whether the caller holds it.
 void cLabHeaderPersist::ReleaseHeader(const std::u16string& sConnect, Long lLabHeaderId) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   runStatement(u"UPDATE LabHeader SET ForeignCount = Null WHERE LabHeaderId = " +
                longText(lLabHeaderId));

@@ -185,6 +185,7 @@ const ClassInfo& cLabBiasPersist::info() {
 
 bool cLabStemLengthPersist::LabAddStemLength(const std::u16string& sBuffer,
                                              const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabAddStemLength @p_LabStemLengthID= " + longText(lID), {0});
 }
@@ -193,18 +194,21 @@ bool cLabStemLengthPersist::LabAddStemLength(const std::u16string& sBuffer,
 // degradation parameter; here only 0 counts as success.
 bool cLabStemLengthPersist::LabRemoveDegradation(const std::u16string& sBuffer,
                                                  const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabRemoveDegradation @p_DegradationID= " + longText(lID), {0});
 }
 
 bool cLabInfraalyzerPersist::LabAddInfraalyzer(const std::u16string& sBuffer,
                                                const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabAddInfraalyzer @p_InfraalyzerID= " + longText(lID), {0});
 }
 
 bool cLabInfraalyzerPersist::LabRemoveInfraalyzer(const std::u16string& sBuffer,
                                                   const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabRemoveInfraalyzer @p_InfraalyzerID= " + longText(lID), {0});
 }

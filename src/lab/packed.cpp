@@ -123,20 +123,18 @@ const ClassInfo& cLabPackedPersist::info() {
     m.push_back(lab::containerPrizedMember<C>());
     m.push_back(lab::idCallMember<C, &C::LabAddPacked>("LabAddPacked"));
     m.push_back(lab::idCallMember<C, &C::LabRemovePacked>("LabRemovePacked"));
-    m.push_back(method<C>("CreateAdviceNotes",
-                          {stringArg("sBuffer"), stringArg("sConnect"),
-                           longArg("lCompanyID"), longArg("lSeason")},
-                          ValueType::Boolean, [](C& o, std::span<const Variant> a) {
-                            return Variant(o.CreateAdviceNotes(a[0].str(), a[1].str(), a[2].lng(),
-                                                               a[3].lng()));
+    m.push_back(method<C>(
+        "CreateAdviceNotes",
+        {stringArg("sBuffer"), stringArg("sConnect"), longArg("lCompanyID"), longArg("lSeason")},
+        ValueType::Boolean, [](C& o, std::span<const Variant> a) {
+          return Variant(o.CreateAdviceNotes(a[0].str(), a[1].str(), a[2].lng(), a[3].lng()));
+        }));
+    m.push_back(method<C>("DeleteAdviceNotes",
+                          {stringArg("sConnect"), longArg("lCompanyID"), longArg("lSeason")},
+                          ValueType::None, [](C& o, std::span<const Variant> a) {
+                            o.DeleteAdviceNotes(a[0].str(), a[1].lng(), a[2].lng());
+                            return Variant();
                           }));
-    m.push_back(
-        method<C>("DeleteAdviceNotes",
-                  {stringArg("sConnect"), longArg("lCompanyID"), longArg("lSeason")},
-                  ValueType::None, [](C& o, std::span<const Variant> a) {
-                    o.DeleteAdviceNotes(a[0].str(), a[1].lng(), a[2].lng());
-                    return Variant();
-                  }));
     m.push_back(method<C>("SyncAdviceNotes", {stringArg("sConnect"), longArg("lSeason")},
                           ValueType::None, [](C& o, std::span<const Variant> a) {
                             o.SyncAdviceNotes(a[0].str(), a[1].lng());
@@ -158,23 +156,27 @@ bool cLabPackedPersist::qsp_OnHoldCheck(const std::u16string& sBuffer,
                                         const std::u16string& sConnect, Long GradeId,
                                         Long ContainerNumber, const std::u16string& Status,
                                         Long UserID) {
+  const auto call = lock();
   return lab::onHoldCheck(*this, sBuffer, sConnect, GradeId, ContainerNumber, Status, UserID);
 }
 
 bool cLabPackedPersist::qsp_ContainerPrized(const std::u16string& sBuffer,
                                             const std::u16string& sConnect, Long GradeId,
                                             Long ContainerNumber) {
+  const auto call = lock();
   return lab::containerPrized(*this, sBuffer, sConnect, GradeId, ContainerNumber);
 }
 
 bool cLabPackedPersist::LabAddPacked(const std::u16string& sBuffer, const std::u16string& sConnect,
                                      Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabAddPacked @p_PackedID= " + longText(lID), {0});
 }
 
 bool cLabPackedPersist::LabRemovePacked(const std::u16string& sBuffer,
                                         const std::u16string& sConnect, Long lID) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   return lab::retried(u"EXEC qsp_LabRemovePacked @p_PackedID= " + longText(lID), {0});
 }
@@ -183,6 +185,7 @@ bool cLabPackedPersist::LabRemovePacked(const std::u16string& sBuffer,
 bool cLabPackedPersist::CreateAdviceNotes(const std::u16string& sBuffer,
                                           const std::u16string& sConnect, Long lCompanyID,
                                           Long lSeason) {
+  const auto call = lock();
   lab::begin(*this, sBuffer, sConnect);
   runStatement(u"EXEC qsp_LabCreateAdviceNotes @p_CompanyID= " + longText(lCompanyID) +
                u", @p_Season = " + longText(lSeason));
@@ -194,6 +197,7 @@ bool cLabPackedPersist::CreateAdviceNotes(const std::u16string& sBuffer,
 // takes away; six statements, no transaction, so a rerun finishes what a failure left.
 void cLabPackedPersist::DeleteAdviceNotes(const std::u16string& sConnect, Long lCompanyID,
                                           Long lSeason) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   struct Family {
     std::u16string_view sums, key, samples;
@@ -223,6 +227,7 @@ void cLabPackedPersist::DeleteAdviceNotes(const std::u16string& sConnect, Long l
 }
 
 void cLabPackedPersist::SyncAdviceNotes(const std::u16string& sConnect, Long lSeason) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   runStatement(u"EXEC qsp_LabSyncAdvice @p_Season = " + longText(lSeason));
 }

@@ -71,6 +71,7 @@ const ClassInfo& cProductionStatsPersist::info() {
 
 bool cProductionStatsPersist::CriteriaDelete(Long /*lID*/, const std::u16string& sCriteria,
                                              const std::u16string& sConnect) {
+  const auto call = lock();
   if (trimBlanks(sCriteria).empty()) return false;
   dbHelp::ConnectString = sConnect;
   SetState(u"");

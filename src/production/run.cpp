@@ -168,6 +168,7 @@ const ClassInfo& cProductionRunPersist::info() {
 
 bool cProductionRunPersist::Post(const std::u16string& sConnect, Long lSecurityProfileId,
                                  Long lRunId, bool bOldMode) {
+  const auto call = lock();
   // The flag goes as 1 or 0, not as the Boolean's -1.
   return postOnOwnConnection(sConnect, u"EXEC sp_PostProductionRun " +
                                            longText(lSecurityProfileId) + u", " + longText(lRunId) +
@@ -176,6 +177,7 @@ bool cProductionRunPersist::Post(const std::u16string& sConnect, Long lSecurityP
 
 std::u16string cProductionRunPersist::sCanDeleteProductionRun(std::u16string sBuffer,
                                                               std::u16string sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   std::u16string result;
   SetState(sBuffer);
@@ -189,6 +191,7 @@ std::u16string cProductionRunPersist::sCanDeleteProductionRun(std::u16string sBu
 }
 
 bool cProductionRunPersist::Delete(const std::u16string& sBuffer, const std::u16string& sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   // Lower-case exec, as the class always sent it.
@@ -198,6 +201,7 @@ bool cProductionRunPersist::Delete(const std::u16string& sBuffer, const std::u16
 
 Long cProductionRunPersist::CreatePrizedStageHeaders(std::u16string sBuffer,
                                                      std::u16string sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   const auto rs = dbHelp::OpenRecordset(u"EXEC qsp_PrizingCreateHeaderStage " +
@@ -209,6 +213,7 @@ Long cProductionRunPersist::CreatePrizedStageHeaders(std::u16string sBuffer,
 
 void cProductionRunPersist::AssignRunSequence(std::u16string sBuffer, std::u16string sConnect,
                                               Long lSwapId) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   runStatement(u"EXEC qsp_PrizingAssignRunSequence " + longText(record().ProductionRunId) + u", " +
@@ -216,12 +221,14 @@ void cProductionRunPersist::AssignRunSequence(std::u16string sBuffer, std::u16st
 }
 
 void cProductionRunPersist::UpdatePrizingStatus(std::u16string sBuffer, std::u16string sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   runStatement(u"EXEC qsp_PrizingSynchRunStatus " + longText(record().ProductionRunId));
 }
 
 void cProductionRunPersist::ReleaseToPrizing(std::u16string sBuffer, std::u16string sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   runStatement(u"EXEC qsp_PrizingReleaseRun " + longText(record().ProductionRunId));
@@ -229,6 +236,7 @@ void cProductionRunPersist::ReleaseToPrizing(std::u16string sBuffer, std::u16str
 
 void cProductionRunPersist::CompletePrizing(std::u16string sBuffer, std::u16string sConnect,
                                             Long lStationId) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   runStatement(u"EXEC qsp_PrizingCloseRun " + longText(record().ProductionRunId) + u", " +
@@ -237,6 +245,7 @@ void cProductionRunPersist::CompletePrizing(std::u16string sBuffer, std::u16stri
 
 bool cProductionRunPersist::bGradeChangeInProgress(std::u16string sBuffer,
                                                    std::u16string sConnect) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   // No run in the text, and a trailing blank: the procedure answers for the plant.

@@ -179,6 +179,7 @@ const std::u16string& reportConnectString() {
 }  // namespace
 
 void cvProductionGradeListPersist::ClearProcessingResultsTables() {
+  const auto call = lock();
   Connection connection;
   connection.setCursorLocation(adUseClient);
   connection.Open(reportConnectString(), {}, {}, adOptionUnspecified);
@@ -189,6 +190,7 @@ void cvProductionGradeListPersist::ClearProcessingResultsTables() {
 
 void cvProductionGradeListPersist::sp_GenerateProcessingResultsReport(
     const std::u16string& sCriteria) {
+  const auto call = lock();
   Connection connection;
   try {
     connection.setCursorLocation(adUseClient);
@@ -204,6 +206,7 @@ void cvProductionGradeListPersist::sp_GenerateProcessingResultsReport(
 void cvProductionGradeListPersist::ProcessingResults(Long lSeason, const std::u16string& sCompanies,
                                                      Date dtFromDate, Date dtToDate,
                                                      const std::u16string& /*sConnect*/) {
+  const auto call = lock();
   try {
     Connection connection;
     connection.setCursorLocation(adUseClient);

@@ -129,10 +129,12 @@ const ClassInfo& cProductionSettingsPersist::info() {
 }
 
 void cProductionSettingsPersist::sp_CreateGreenInventory(const std::u16string& sConnection) {
+  const auto call = lock();
   runOwn(sConnection, u"qsp_CreateGreenInventory");
 }
 
 void cProductionSettingsPersist::sp_CreatecbGreenInventory(const std::u16string& sConnection) {
+  const auto call = lock();
   runOwn(sConnection, u"qsp_CreatecbGreenInventory");
 }
 

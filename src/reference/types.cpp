@@ -176,6 +176,7 @@ const ClassInfo& cByProductsTypePersist::info() {
 void cByProductsTypePersist::AdjustSortSequence(const std::u16string& sBuffer,
                                                 const std::u16string& sConnect, Long lIncrement,
                                                 const std::u16string& sCriteria) {
+  const auto call = lock();
   if (lIncrement != 1 && lIncrement != -1) return;
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
@@ -189,6 +190,7 @@ void cByProductsTypePersist::InsertDeleteAtSortSequence(const std::u16string& sB
                                                         const std::u16string& sConnect,
                                                         const std::u16string& sAction,
                                                         const std::u16string& sCriteria) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   runStatement(u"EXEC qspsys_InsertDeleteAtSortSequence 'ByProductsType', " +
@@ -220,6 +222,7 @@ void cvCompanyByProductsListPersist::AdjustSortSequence(const std::u16string& sB
                                                         const std::u16string& sConnect,
                                                         Long lIncrement,
                                                         const std::u16string& /*sCriteria*/) {
+  const auto call = lock();
   if (lIncrement != 1 && lIncrement != -1) return;
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
@@ -229,6 +232,7 @@ void cvCompanyByProductsListPersist::AdjustSortSequence(const std::u16string& sB
 void cvCompanyByProductsListPersist::InsertDeleteAtSortSequence(
     const std::u16string& sBuffer, const std::u16string& sConnect,
     const std::u16string& /*sAction*/, const std::u16string& /*sCriteria*/) {
+  const auto call = lock();
   dbHelp::ConnectString = sConnect;
   SetState(sBuffer);
   runStatement(std::u16string());
