@@ -107,9 +107,14 @@ class PersistObject {
   }
 
   std::u16string GetState() const;
+  // Error 5 for a record state of another class: one whose key name, in that class's place,
+  // is another class's while its own place does not hold this class's.
   void SetState(std::u16string_view state);
   // Fills the record from the recordset's current row, by name.
   void RecordToObj(const Recordset& ars);
+
+ protected:
+  void refuseForeignState(std::u16string_view state) const;
 
  private:
   mutable std::recursive_mutex calls_;
@@ -187,6 +192,7 @@ class PersistWith : protected RecordHolder<Record>, public Base {
   void SetState(std::u16string_view state) {
     const auto call = this->lock();
     if (state.size() * sizeof(char16_t) >= sizeof(Record)) {
+      this->refuseForeignState(state);
       std::memcpy(static_cast<void*>(&this->rec), state.data(), sizeof(Record));
     } else {
       Base::SetState(state);

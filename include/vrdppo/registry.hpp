@@ -129,6 +129,11 @@ std::unique_ptr<PersistObject> create(std::string_view name);
 Variant invoke(PersistObject& object, std::string_view member, std::span<const Variant> args);
 Variant invoke(PersistObject& object, std::int32_t dispatchId, std::span<const Variant> args);
 
+// The class whose record state this is, when it is not one of `self`'s: the state holds that
+// class's key name in that class's place and not self's own in self's (classes that share a key
+// name cannot be told apart, and are not). nullptr when the state may be self's.
+const ClassInfo* foreignOwner(const RecordLayout& self, std::u16string_view state);
+
 }  // namespace registry
 
 }  // namespace vrdppo

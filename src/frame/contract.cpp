@@ -11,6 +11,7 @@
 #include "vrdppo/operations.hpp"
 #include "vrdppo/persist.hpp"
 #include "vrdppo/provider.hpp"
+#include "vrdppo/registry.hpp"
 #include "vrdppo/render.hpp"
 #include "vrdppo/row_sink.hpp"
 #include "vrdppo/text.hpp"
@@ -80,8 +81,30 @@ std::u16string PersistObject::GetState() const {
   return recordState(layout(), recordBytes());
 }
 
+// Another class's state of the same length would be read field by field as this class's, its
+// key taken for one of this table's: refused before anything is written or sent. The object's
+// own record as GetState gave it is taken whatever its key name: a caller that copied another
+// class's record of the same fields into it (a setting frozen as a snapshot) made it so.
+void PersistObject::refuseForeignState(std::u16string_view state) const {
+  const ClassInfo* other = registry::foreignOwner(layout(), state);
+  if (other == nullptr) return;
+  const std::size_t bytes = layout().bytes;
+  if (state.size() * sizeof(char16_t) >= bytes &&
+      std::memcmp(state.data(), recordBytes(), bytes) == 0) {
+    return;
+  }
+  const auto keyName = [](const RecordLayout& l) {
+    return toUtf8(l.trailing.literal.substr(0, l.trailing.length));
+  };
+  std::string text = "the state is a " + other->name + " state (its key name is " +
+                     keyName(*other->layout) + "), not a " + classInfo().name + " state";
+  if (!layout().trailing.literal.empty()) text += " (key name " + keyName(layout()) + ")";
+  throw Error(err::kInvalidCall, text);
+}
+
 void PersistObject::SetState(std::u16string_view state) {
   const auto call = lock();
+  refuseForeignState(state);
   setRecordState(layout(), recordBytes(), state);
 }
 

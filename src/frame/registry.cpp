@@ -321,7 +321,31 @@ Variant call(PersistObject& object, const MemberInfo* m, std::span<const Variant
   return m->invoke(object, coerced);
 }
 
+// Whether a state holds the layout's key name in the layout's place (blank padded, case aside).
+bool carriesKeyName(const RecordLayout& layout, std::u16string_view state) noexcept {
+  const TrailingField& t = layout.trailing;
+  const std::u16string_view name = t.literal.substr(0, t.length);
+  const std::size_t at = t.offset / sizeof(char16_t);
+  if (name.empty() || state.size() < at + t.length) return false;
+  return equalsNoCase(trimBlanks(state.substr(at, t.length)), name);
+}
+
 }  // namespace
+
+const ClassInfo* foreignOwner(const RecordLayout& self, std::u16string_view state) {
+  if (carriesKeyName(self, state)) return nullptr;
+  const std::u16string_view own = self.trailing.literal.substr(0, self.trailing.length);
+  for (const ClassInfo* c : classes()) {
+    const RecordLayout& other = *c->layout;
+    // Classes of one key name have states that nothing tells apart: each takes the other's.
+    if (other.stateChars != self.stateChars || other.trailing.literal.empty() ||
+        equalsNoCase(other.trailing.literal.substr(0, other.trailing.length), own)) {
+      continue;
+    }
+    if (carriesKeyName(other, state)) return c;
+  }
+  return nullptr;
+}
 
 Variant invoke(PersistObject& object, std::string_view member, std::span<const Variant> args) {
   return call(object, object.classInfo().member(member), args);
