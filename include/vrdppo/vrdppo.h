@@ -175,6 +175,15 @@ VRDPPO_C_API int32_t vrdppo_invoke_id(vrdppo_object* object, int32_t dispatch_id
                                       const vrdppo_value* args, int32_t arg_count,
                                       vrdppo_value* result, vrdppo_status* status);
 
+/* vrdppo_invoke_id that also writes to *records_affected (unless NULL) the rows the call's
+ * statement touched, taken before the call returns: the figure of this call even where the
+ * caller's runtime may run code of its own on the thread before it could ask
+ * vrdppo_last_records_affected (a signal handler, a finaliser). -1 as that function says. */
+VRDPPO_C_API int32_t vrdppo_invoke_id_counted(vrdppo_object* object, int32_t dispatch_id,
+                                              const vrdppo_value* args, int32_t arg_count,
+                                              vrdppo_value* result, int64_t* records_affected,
+                                              vrdppo_status* status);
+
 /* The rows touched by the last statement the calling thread ran: after a Commit or Delete, how
  * many rows it wrote (its Boolean result does not tell). vrdppo_invoke and vrdppo_invoke_id set
  * it to -1 before the call, so -1 after one means it ran no statement (or the provider cannot

@@ -5,6 +5,7 @@ import decimal
 import inspect
 import os
 import pathlib
+import signal
 import sqlite3
 import subprocess
 import tempfile
@@ -284,6 +285,39 @@ class Requests(Store):
         self.assertEqual(stems.records_affected, 0)
         stems.GetState()
         self.assertIsNone(stems.records_affected)
+
+    def test_rows_touched_are_the_calls_own_whatever_a_signal_handler_calls(self):
+        # A handler runs on the main thread once a call returns; its own call (a Delete of no
+        # row) is not the figure of the call it followed.
+        stems, other = vrdppo.create("cStemsPersist"), vrdppo.create("cStemsPersist")
+        nobody = self.stem(StemsId=987654)
+        handled = []
+
+        def handler(signum, frame):
+            other.Delete(nobody, self.connect)
+            handled.append(other.records_affected)
+
+        previous = signal.signal(signal.SIGUSR1, handler)
+        signal.siginterrupt(signal.SIGUSR1, False)
+        stop = threading.Event()
+        main = threading.main_thread().ident
+
+        def pester():
+            while not stop.wait(0.0002):
+                signal.pthread_kill(main, signal.SIGUSR1)
+
+        pesterer = threading.Thread(target=pester)
+        pesterer.start()
+        try:
+            for n in range(150):
+                stems.Commit(self.stem(StemsId=0, TotalNetWeight=float(n)), self.connect)
+                self.assertEqual(stems.records_affected, 1, f"commit {n}")
+        finally:
+            stop.set()
+            pesterer.join()
+            signal.signal(signal.SIGUSR1, previous)
+        self.assertTrue(handled)
+        self.assertEqual(set(handled), {0})
 
     def test_states_keep_every_code_unit(self):
         # A Double's bytes can form a surrogate pair (4483 kg in lb does); a str would join

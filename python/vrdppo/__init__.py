@@ -611,12 +611,14 @@ class Persist:
             values.pop()
         array = (_capi.Value * max(len(values), 1))(*values)
         result = _capi.Value()
+        # The call's own figure, taken inside it: Python code that runs on this thread after the
+        # call returns (a signal handler) may make calls of its own.
+        affected = _ctypes.c_int64(-1)
         try:
-            _check(_lib.vrdppo_invoke_id, self._handle, member.dispatch_id, array, len(values),
-                   _ctypes.byref(result))
+            _check(_lib.vrdppo_invoke_id_counted, self._handle, member.dispatch_id, array,
+                   len(values), _ctypes.byref(result), _ctypes.byref(affected))
         finally:
-            affected = _lib.vrdppo_last_records_affected()
-            self.records_affected = None if affected < 0 else affected
+            self.records_affected = None if affected.value < 0 else affected.value
         try:
             return _from_value(result, member.result_python_type is State)
         finally:

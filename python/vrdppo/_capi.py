@@ -108,6 +108,8 @@ def _declare(lib):
         "vrdppo_create": (i32, [ctypes.c_char_p, p(ctypes.c_void_p), status]),
         "vrdppo_release": (i32, [ctypes.c_void_p, status]),
         "vrdppo_invoke_id": (i32, [ctypes.c_void_p, i32, p(Value), i32, p(Value), status]),
+        "vrdppo_invoke_id_counted": (i32, [ctypes.c_void_p, i32, p(Value), i32, p(Value),
+                                           p(ctypes.c_int64), status]),
         "vrdppo_session_set": (i32, [i32, p(Value), status]),
         "vrdppo_session_get": (i32, [i32, p(Value), status]),
         "vrdppo_last_records_affected": (ctypes.c_int64, []),

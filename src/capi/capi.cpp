@@ -354,14 +354,31 @@ std::shared_ptr<Handed> liveObject(const vrdppo_object* object) {
   return handed;
 }
 
+// The thread's figure as the call leaves it, on whichever path it leaves.
+class RecordsAffectedOut {
+ public:
+  explicit RecordsAffectedOut(std::int64_t* out) noexcept : out_(out) {}
+  RecordsAffectedOut(const RecordsAffectedOut&) = delete;
+  RecordsAffectedOut& operator=(const RecordsAffectedOut&) = delete;
+  ~RecordsAffectedOut() {
+    if (out_ != nullptr) *out_ = vrdppo::lastRecordsAffected();
+  }
+
+ private:
+  std::int64_t* out_;
+};
+
 template <class Member>
 std::int32_t invokeMember(vrdppo_object* object, Member member, const vrdppo_value* args,
-                          std::int32_t count, vrdppo_value* result, vrdppo_status* st) {
+                          std::int32_t count, vrdppo_value* result, std::int64_t* affected,
+                          vrdppo_status* st) {
   if (result != nullptr) *result = vrdppo_value{};
+  if (affected != nullptr) *affected = -1;
   return guarded(st, [&] {
     const std::shared_ptr<Handed> handed = liveObject(object);
     const std::vector<Variant> a = argumentsOf(args, count);
     vrdppo::resetLastRecordsAffected();
+    const RecordsAffectedOut taken(affected);
     const Variant r = vrdppo::registry::invoke(*handed->object, member, a);
     if (result != nullptr) *result = toValue(r);
   });
@@ -519,12 +536,18 @@ int32_t vrdppo_invoke(vrdppo_object* object, const char* member, const vrdppo_va
     if (result != nullptr) *result = vrdppo_value{};
     return fail(status, invalidArgument("the member name is NULL"));
   }
-  return invokeMember(object, std::string_view(member), args, arg_count, result, status);
+  return invokeMember(object, std::string_view(member), args, arg_count, result, nullptr, status);
 }
 
 int32_t vrdppo_invoke_id(vrdppo_object* object, int32_t dispatch_id, const vrdppo_value* args,
                          int32_t arg_count, vrdppo_value* result, vrdppo_status* status) {
-  return invokeMember(object, dispatch_id, args, arg_count, result, status);
+  return invokeMember(object, dispatch_id, args, arg_count, result, nullptr, status);
+}
+
+int32_t vrdppo_invoke_id_counted(vrdppo_object* object, int32_t dispatch_id,
+                                 const vrdppo_value* args, int32_t arg_count, vrdppo_value* result,
+                                 int64_t* records_affected, vrdppo_status* status) {
+  return invokeMember(object, dispatch_id, args, arg_count, result, records_affected, status);
 }
 
 int64_t vrdppo_last_records_affected(void) {

@@ -238,6 +238,19 @@ TEST_F(CInterface, NewRecordsAndRowsTouched) {
   Value deleted;
   ASSERT_EQ(vrdppo_invoke(stems.p, "Delete", deleteArgs, 2, &deleted, &st), 0) << st.text();
   EXPECT_EQ(vrdppo_last_records_affected(), 0);
+
+  // The figure of the call itself, whatever the thread runs after it; -1 for a call that failed.
+  const ClassInfo& c = *registry::find("cStemsPersist");
+  const int32_t commitId = c.member("Commit")->dispatchId;
+  std::int64_t affected = 99;
+  Value again;
+  ASSERT_EQ(vrdppo_invoke_id_counted(stems.p, commitId, commitArgs, 2, &again, &affected, &st), 0)
+      << st.text();
+  EXPECT_EQ(affected, 1);
+  Value failed;
+  EXPECT_NE(vrdppo_invoke_id_counted(stems.p, commitId, commitArgs, 1, &failed, &affected, &st), 0);
+  EXPECT_EQ(affected, -1);
+  EXPECT_EQ(vrdppo_invoke_id_counted(stems.p, commitId, commitArgs, 2, &again, nullptr, &st), 0);
 }
 
 TEST_F(CInterface, FailuresComeBackAsStatuses) {
