@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include "support/shared_object.hpp"
 #include "tsql/tsql_schema.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
@@ -219,6 +220,12 @@ TEST_F(Pool, AServerErrorOnALateRowFailsTheCall) {
       EXPECT_EQ(e.statement(), sql);
     }
   }
+}
+
+// Threads sharing one object on kept server sessions: their calls wait for each other, and every
+// row comes back whole and once.
+TEST_F(Pool, ThreadsSharingOneObjectKeepEveryRowWhole) {
+  vrdppo::testing::expectSharedObjectKeepsEveryRowWhole(server_, 8, 10);
 }
 
 // Stops processes with a signal and lets them go on, whatever happens in between.
