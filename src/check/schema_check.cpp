@@ -418,7 +418,8 @@ class Checker {
       const Use& u = uses.at(upperAscii(name));
       columns_.insert(upperAscii(shown) + "." + upperAscii(name));
       const auto col = db.columns.find(upperAscii(name));
-      const std::string where = shown + "." + name;
+      std::string where = shown;
+      where.append(".").append(name);
       if (col == db.columns.end()) {
         add(SchemaFinding::Severity::Problem, info.name, where,
             "a column" + (u.field ? " for " + fieldText(*u.field) : std::string()) +
