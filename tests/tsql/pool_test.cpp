@@ -208,10 +208,11 @@ TEST_F(Pool, AServerErrorOnALateRowFailsTheCall) {
                   "SELECT 7 UNION ALL SELECT 8 UNION ALL SELECT 9) "
                   "INSERT INTO Numbers SELECT a.x * 1000 + b.x * 100 + c.x * 10 + e.x + 1 "
                   "FROM d a CROSS JOIN d b CROSS JOIN d c CROSS JOIN d e\n");
+  // No ORDER BY: the rows stream, and the error comes after rows already sent.
   for (const int at : {2, 100, 999, 5000}) {
     SCOPED_TRACE(at);
     const std::u16string sql =
-        u"SELECT n, 1 / (n - " + fromUtf8(std::to_string(at)) + u") AS q FROM Numbers ORDER BY n";
+        u"SELECT n FROM Numbers WHERE 1 / (n - " + fromUtf8(std::to_string(at)) + u") <> 2";
     try {
       dbHelp::OpenRecordset(sql);
       ADD_FAILURE() << "no error";
