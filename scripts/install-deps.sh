@@ -3,7 +3,7 @@
 # "windows", also what the Windows build and its suite under Wine need.
 set -euo pipefail
 packages=(g++ cmake make pkg-config git ca-certificates
-          libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc libltdl-dev zlib1g-dev
+          libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc tdsodbc libltdl-dev zlib1g-dev
           libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
           libcli11-dev nlohmann-json3-dev
           python3 python3-pip python3-venv
