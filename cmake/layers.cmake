@@ -11,7 +11,7 @@
 
 set(VRDPPO_LAYER_SOURCES_frame
     frame/buffer.cpp frame/contract.cpp frame/date.cpp frame/dbhelp.cpp frame/error.cpp
-    frame/number_text.cpp frame/provider.cpp frame/recordset.cpp frame/registry.cpp
+    frame/number_text.cpp frame/observer.cpp frame/provider.cpp frame/recordset.cpp frame/registry.cpp
     frame/render.cpp frame/row_sink.cpp frame/stretch_storage.cpp frame/text.cpp
     frame/type_library.cpp frame/variant.cpp)
 set(VRDPPO_LAYER_SOURCES_providers
@@ -46,7 +46,7 @@ set(VRDPPO_LAYER_SOURCES_server server/classes.cpp server/exports.cpp server/mod
                                 server/object.cpp server/variants.cpp)
 
 # What each layer sees: folders of src/, then public headers (files or folders of include/vrdppo).
-set(frame_public buffer.hpp dbhelp.hpp error.hpp locale.hpp operations.hpp persist.hpp
+set(frame_public buffer.hpp dbhelp.hpp error.hpp locale.hpp observer.hpp operations.hpp persist.hpp
                  provider.hpp record.hpp recordset.hpp registry.hpp render.hpp row_sink.hpp
                  text.hpp variant.hpp visibility.hpp)
 set(class_public reference production greenleaf cages lab)

@@ -2,12 +2,14 @@
 // picks a provider by the connection string.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "vrdppo/observer.hpp"
 #include "vrdppo/recordset.hpp"
 #include "vrdppo/row_sink.hpp"
 #include "vrdppo/visibility.hpp"
@@ -54,9 +56,17 @@ class ProviderConnection {
   // without logins has nothing to bound.
   virtual void setConnectionTimeout(int /*seconds*/) {}
   virtual void close() = 0;
-  // The catalog's facts of one kind. By default the queries a SQL Server answers, over its
-  // INFORMATION_SCHEMA and sys views; they only read.
+  // The catalog's facts of one kind. By default it runs schemaQuery(kind).
   virtual std::shared_ptr<Recordset> openSchema(SchemaKind kind);
+  // The statement openSchema sends for a kind: by default the queries a SQL Server answers, over
+  // its INFORMATION_SCHEMA and sys views, which only read; empty for a provider that reads its
+  // catalog without a statement.
+  virtual std::u16string schemaQuery(SchemaKind kind) const;
+  // Where the open connection's session came from (a fresh login, a kept session, or none).
+  virtual SessionOrigin sessionOrigin() const noexcept { return SessionOrigin::None; }
+  // The kind of database, as tracers name it ("microsoft.sql_server", "sqlite"); empty when the
+  // provider cannot say, and the provider's registered name stands in.
+  virtual std::string_view system() const noexcept { return {}; }
 };
 
 using ProviderFactory = std::function<std::unique_ptr<ProviderConnection>()>;
@@ -124,7 +134,12 @@ class Connection {
   int State() const noexcept;
 
  private:
+  // Tells the observers of a statement sent; only called while one is installed.
+  void observed(std::u16string_view sql, std::chrono::steady_clock::time_point start,
+                std::int64_t returned, std::int64_t affected, const Error* error) const;
+
   std::unique_ptr<ProviderConnection> impl_;
+  std::u16string connect_;  // as opened, for the observers
   bool open_ = false;
   int cursorLocation_ = 0;  // 0: the provider's default
   int timeout_ = -1;        // -1: the provider's default
@@ -139,6 +154,8 @@ class Connection {
 std::int64_t lastRecordsAffected() noexcept;
 // Sets it to -1, so that a caller can tell a statement from none.
 void resetLastRecordsAffected() noexcept;
+// Puts back a figure read earlier: what an observer's own statements changed.
+void restoreLastRecordsAffected(std::int64_t figure) noexcept;
 
 // The value of a key in a "key=value;key=value" connection string (keys without regard to case,
 // braces around a value removed); empty when absent.

@@ -113,7 +113,31 @@ void Connection::Open(const std::u16string& connect, const std::u16string& user,
   if (timeout_ >= 0) impl_->setCommandTimeout(timeout_);
   if (loginTimeout_ >= 0) impl_->setConnectionTimeout(loginTimeout_);
   impl_->open(connect, user, password, options);
+  connect_ = connect;
   open_ = true;
+}
+
+void Connection::observed(std::u16string_view sql, std::chrono::steady_clock::time_point start,
+                          std::int64_t returned, std::int64_t affected, const Error* error) const {
+  const auto duration = std::chrono::steady_clock::now() - start;
+  try {
+    const observe::ParsedTarget target = observe::parseTarget(connect_);
+    std::string name;
+    std::string_view system = impl_->system();
+    if (system.empty()) system = name = providers::nameFor(connect_);
+    const std::u16string operation = observe::operationOf(sql);
+    StatementEvent event;
+    event.target = target.view(system);
+    event.queryText = sql;
+    event.operationName = operation;
+    event.returnedRows = returned;
+    event.affectedRows = affected;
+    event.duration = std::chrono::duration_cast<std::chrono::nanoseconds>(duration);
+    event.session = impl_->sessionOrigin();
+    event.error = error;
+    observe::tell(event);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): no memory to describe it; the call goes on
+  }
 }
 
 std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql, int options) {
@@ -127,13 +151,23 @@ std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql,
   recordsAffected_ = -1;
   lastAffected = -1;
   if (!open_) throw Error::runtime(err::kObjectClosed);
+  const bool watched = observe::active();
+  const auto start =
+      watched ? std::chrono::steady_clock::now() : std::chrono::steady_clock::time_point{};
   try {
     auto recordset = impl_->execute(sql, options);
     recordsAffected = recordsAffected_ = lastAffected = impl_->recordsAffected();
+    if (watched) {
+      const auto rows = recordset->State() == adStateOpen
+                            ? static_cast<std::int64_t>(recordset->recordCount())
+                            : std::int64_t{-1};
+      observed(sql, start, rows, recordsAffected, nullptr);
+    }
     return recordset;
   } catch (Error& e) {
     // Every statement of the library passes here: the one place to say which of them failed.
     if (e.statement().empty()) e.setStatement(sql);
+    if (watched) observed(sql, start, -1, -1, &e);
     throw;
   }
 }
@@ -142,17 +176,29 @@ void Connection::ExecuteInto(const std::u16string& sql, RecordSink& sink, int op
   recordsAffected_ = -1;
   lastAffected = -1;
   if (!open_) throw Error::runtime(err::kObjectClosed);
+  const bool watched = observe::active();
+  const auto start =
+      watched ? std::chrono::steady_clock::now() : std::chrono::steady_clock::time_point{};
   try {
     impl_->executeInto(sql, options, sink);
     recordsAffected_ = lastAffected = impl_->recordsAffected();
+    if (watched) {
+      const auto rows = sink.begun() ? static_cast<std::int64_t>(sink.rows()) : std::int64_t{-1};
+      observed(sql, start, rows, recordsAffected_, nullptr);
+    }
   } catch (Error& e) {
     // Also what the sink raised: the statement is the one whose rows would not go in.
     if (e.statement().empty()) e.setStatement(sql);
+    if (watched) observed(sql, start, -1, -1, &e);
     throw;
   }
 }
 
 std::shared_ptr<Recordset> ProviderConnection::openSchema(SchemaKind kind) {
+  return execute(schemaQuery(kind), adOptionUnspecified);
+}
+
+std::u16string ProviderConnection::schemaQuery(SchemaKind kind) const {
   // Only the objects an unqualified name reaches: the server looks in the login's default schema,
   // then in dbo, and never in another schema. Each object also says what the login may do with
   // it. sys.all_parameters rather than INFORMATION_SCHEMA.PARAMETERS, which not every engine that
@@ -193,12 +239,23 @@ std::shared_ptr<Recordset> ProviderConnection::openSchema(SchemaKind kind) {
         u"JOIN sys.all_parameters p ON p.object_id = pr.object_id" +
             reachedProcedure + u" ORDER BY pr.name, p.parameter_id"};
   }();
-  return execute(kQueries[static_cast<std::size_t>(kind)], adOptionUnspecified);
+  return kQueries[static_cast<std::size_t>(kind)];
 }
 
 std::shared_ptr<Recordset> Connection::OpenSchema(SchemaKind kind) {
   if (!open_) throw Error::runtime(err::kObjectClosed);
-  return impl_->openSchema(kind);
+  const bool watched = observe::active();
+  if (!watched) return impl_->openSchema(kind);
+  const auto start = std::chrono::steady_clock::now();
+  const std::u16string sql = impl_->schemaQuery(kind);
+  try {
+    auto recordset = impl_->openSchema(kind);
+    observed(sql, start, static_cast<std::int64_t>(recordset->recordCount()), -1, nullptr);
+    return recordset;
+  } catch (Error& e) {
+    observed(sql, start, -1, -1, &e);
+    throw;
+  }
 }
 
 void Connection::Close() {
@@ -213,6 +270,10 @@ std::int64_t lastRecordsAffected() noexcept {
 
 void resetLastRecordsAffected() noexcept {
   lastAffected = -1;
+}
+
+void restoreLastRecordsAffected(std::int64_t figure) noexcept {
+  lastAffected = figure;
 }
 
 int Connection::State() const noexcept {

@@ -11,11 +11,13 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "support/shared_object.hpp"
 #include "tsql/tsql_schema.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/observer.hpp"
 #include "vrdppo/odbc_pool.hpp"
 #include "vrdppo/production/stems.hpp"
 #include "vrdppo/provider.hpp"
@@ -70,6 +72,73 @@ TEST_F(Pool, AGatewayCallLeavesItsSessionForTheNext) {
   dbHelp::ConnectString = server_ + u";Pooling=No";
   EXPECT_NE(spid(), one);
   EXPECT_EQ(odbc::idleConnections(), 1u);
+}
+
+// What an observer hears of the kept sessions, and the figures that count the same: a login, then
+// reuses, a logout for a statement that changed its session, one for a string that keeps none.
+TEST_F(Pool, TheObserverHearsEachLoginReuseAndLogoutAndTheFiguresCountThem) {
+  struct Recorder : Observer {
+    void onStatement(const StatementEvent& e) override {
+      statements.emplace_back(e.queryText);
+      origins.push_back(e.session);
+    }
+    void onSession(const SessionEvent& e) override {
+      std::string line = e.kind == SessionEventKind::Login   ? "login"
+                         : e.kind == SessionEventKind::Reuse ? "reuse"
+                                                             : "logout ";
+      if (e.kind == SessionEventKind::Logout) line += logoutCauseName(e.cause);
+      if (e.kind == SessionEventKind::Login && e.duration.count() <= 0) line += " untimed";
+      if (e.target.connection.find(u"PWD=***") == std::u16string_view::npos) line += " unmasked";
+      sessions.push_back(line);
+    }
+    std::vector<std::u16string> statements;
+    std::vector<SessionOrigin> origins;
+    std::vector<std::string> sessions;
+  };
+  const odbc::PoolFigures before = odbc::poolFigures();
+  auto recorder = std::make_shared<Recorder>();
+  observe::setThreadObserver(recorder);
+  const std::int32_t one = spid();
+  EXPECT_EQ(spid(), one);
+  (void)dbHelp::OpenRecordset(u"SET ROWCOUNT 3");  // left in the session: logged out after
+  dbHelp::ConnectString = server_ + u";Pooling=No";
+  (void)spid();
+  observe::setThreadObserver(nullptr);
+  const odbc::PoolFigures after = odbc::poolFigures();
+
+  EXPECT_EQ(recorder->sessions,
+            (std::vector<std::string>{"login", "reuse", "reuse", "logout session-changed", "login",
+                                      "logout not-kept"}));
+  // The gateway's SET and the statement, each time; the first on a fresh login.
+  ASSERT_EQ(recorder->statements.size(), 8u);
+  EXPECT_EQ(recorder->statements[0], u"SET QUOTED_IDENTIFIER OFF");
+  EXPECT_EQ(recorder->statements[1], u"SELECT @@SPID");
+  const std::vector<SessionOrigin> origins{
+      SessionOrigin::Fresh, SessionOrigin::Fresh, SessionOrigin::Kept,  SessionOrigin::Kept,
+      SessionOrigin::Kept,  SessionOrigin::Kept,  SessionOrigin::Fresh, SessionOrigin::Fresh};
+  EXPECT_EQ(recorder->origins, origins);
+
+  EXPECT_EQ(after.logins - before.logins, 2u);
+  EXPECT_EQ(after.reuses - before.reuses, 2u);
+  const auto logouts = [&](LogoutCause c) {
+    const auto i = static_cast<std::size_t>(c);
+    return after.logouts[i] - before.logouts[i];
+  };
+  EXPECT_EQ(logouts(LogoutCause::SessionChanged), 1u);
+  EXPECT_EQ(logouts(LogoutCause::NotKept), 1u);
+  EXPECT_GT(after.loginTime, before.loginTime);
+  EXPECT_EQ(after.inUse, 0u);
+  EXPECT_EQ(after.idle, 0u);  // the kept session was the one the SET changed
+
+  dbHelp::ConnectString = server_;
+  (void)spid();
+  const odbc::PoolFigures kept = odbc::poolFigures();
+  ASSERT_EQ(kept.strings.size(), 1u);
+  EXPECT_EQ(kept.strings[0].idle, 1u);
+  EXPECT_EQ(kept.strings[0].inUse, 0u);
+  EXPECT_NE(kept.strings[0].connection.find(u"PWD=***"), std::u16string::npos);
+  const std::string text = odbc::poolFiguresText(kept);
+  EXPECT_NE(text.find("sessions: 1 idle, 0 in use"), std::string::npos) << text;
 }
 
 TEST_F(Pool, AnAuditTrailIdStaysWithItsThread) {

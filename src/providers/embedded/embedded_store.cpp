@@ -49,6 +49,11 @@ class EmbeddedConnection final : public ProviderConnection {
     return readSchema(*session_, kind);
   }
 
+  // The catalog is read from the engine's own tables, without a statement of the server's.
+  std::u16string schemaQuery(SchemaKind) const override { return {}; }
+
+  std::string_view system() const noexcept override { return "sqlite"; }
+
  private:
   template <class F>
   void run(const std::u16string& sql, F body) {

@@ -197,8 +197,17 @@ class OdbcConnection final : public ProviderConnection {
     dirty_ = {};
     if (pooled_) physical_ = pool::take(key_, tlsAuditTrailId);
     reused_ = physical_ != nullptr;
+    if (reused_) pool::reused(key_);
     if (!physical_) physical_ = login();
+    origin_ = reused_ ? SessionOrigin::Kept : SessionOrigin::Fresh;
     auditPending_ = physical_->auditTrailId != 0;
+    pool::acquired(key_);
+  }
+
+  SessionOrigin sessionOrigin() const noexcept override { return origin_; }
+
+  std::string_view system() const noexcept override {
+    return physical_ && !physical_->tsql ? "other_sql" : "microsoft.sql_server";
   }
 
   std::shared_ptr<Recordset> execute(const std::u16string& sql, int /*options*/) override {
@@ -220,11 +229,14 @@ class OdbcConnection final : public ProviderConnection {
   void close() override {
     if (!physical_) throw Error::runtime(err::kObjectClosed);
     PhysicalPtr physical = std::move(physical_);
+    pool::returned(key_);
     if (keep(*physical)) {
       pool::give(key_, std::move(physical));
       return;
     }
+    // A failed logout is tried again, and counted, as the connection goes.
     check(SQLDisconnect(physical->dbc.get()), physical->dbc, "SQLDisconnect");
+    pool::loggedOut(*physical);
     physical->dbc.reset();
   }
 
@@ -239,7 +251,24 @@ class OdbcConnection final : public ProviderConnection {
   PhysicalPtr login() const { return login(loginTimeout_); }
 
   PhysicalPtr login(int seconds) const {
+    const auto start = std::chrono::steady_clock::now();
+    const auto took = [&] {
+      return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() -
+                                                                  start);
+    };
+    try {
+      PhysicalPtr physical = loginOnce(seconds);
+      pool::loggedIn(key_, took(), nullptr);
+      return physical;
+    } catch (const Error& e) {
+      pool::loggedIn(key_, took(), &e);
+      throw;
+    }
+  }
+
+  PhysicalPtr loginOnce(int seconds) const {
     auto physical = std::make_unique<PhysicalConnection>();
+    physical->key = key_;
     Handle env(SQL_HANDLE_ENV, SQL_NULL_HANDLE);
     check(SQLSetEnvAttr(env.get(), SQL_ATTR_ODBC_VERSION,
                         reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0),
@@ -272,12 +301,17 @@ class OdbcConnection final : public ProviderConnection {
   }
 
   // Whether the session goes back to the pool; a transaction left open is rolled back first.
+  // The session's cause of logout is set when it is not.
   bool keep(PhysicalConnection& physical) noexcept {
+    physical.cause = !pooled_ || !physical.tsql ? LogoutCause::NotKept
+                     : dirty_.dead              ? LogoutCause::DeadLink
+                                                : LogoutCause::SessionChanged;
     if (!pooled_ || !physical.tsql || dirty_.lasting || dirty_.dead) return false;
     if (dirty_.transaction) {
       try {
         direct(physical, u"IF @@TRANCOUNT > 0 ROLLBACK", kDefaultCommandTimeout);
       } catch (const Error&) {
+        physical.cause = LogoutCause::DeadLink;
         return false;
       }
     }
@@ -286,14 +320,43 @@ class OdbcConnection final : public ProviderConnection {
   }
 
   // Runs a statement of the pool's own on the session, dropping what it yields, bounded by
-  // `seconds` where the driver bounds statements.
-  static void direct(PhysicalConnection& physical, std::u16string_view sql, int seconds) {
-    Handle stmt(SQL_HANDLE_STMT, physical.dbc.get());
-    applyTimeout(stmt, seconds);
-    auto text = wide(sql);
-    const SQLRETURN rc =
-        SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
-    if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
+  // `seconds` where the driver bounds statements. The observers hear of it unless it stands in
+  // for the caller's own, which they hear of as that.
+  void direct(PhysicalConnection& physical, std::u16string_view sql, int seconds,
+              bool told = true) const {
+    const bool watched = told && observe::active();
+    const auto start =
+        watched ? std::chrono::steady_clock::now() : std::chrono::steady_clock::time_point{};
+    try {
+      Handle stmt(SQL_HANDLE_STMT, physical.dbc.get());
+      applyTimeout(stmt, seconds);
+      auto text = wide(sql);
+      const SQLRETURN rc =
+          SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
+      if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
+      if (watched) tellOwn(sql, start, nullptr);
+    } catch (const Error& e) {
+      if (watched) tellOwn(sql, start, &e);
+      throw;
+    }
+  }
+
+  void tellOwn(std::u16string_view sql, std::chrono::steady_clock::time_point start,
+               const Error* error) const noexcept {
+    try {
+      const observe::ParsedTarget target = observe::parseTarget(key_);
+      const std::u16string operation = observe::operationOf(sql);
+      StatementEvent event;
+      event.target = target.view(system());
+      event.queryText = sql;
+      event.operationName = operation;
+      event.duration = std::chrono::duration_cast<std::chrono::nanoseconds>(
+          std::chrono::steady_clock::now() - start);
+      event.session = origin_;
+      event.error = error;
+      observe::tell(event);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): no memory to describe it
+    }
   }
 
   // A session taken from the pool answers its first statement within a part of the login's
@@ -306,11 +369,15 @@ class OdbcConnection final : public ProviderConnection {
     if (!physical_->tsql) return false;
     const bool gatewaySet = equalsNoCase(trimBlanks(sql), kGatewaySet);
     const auto start = std::chrono::steady_clock::now();
-    if (answers(gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON")) return gatewaySet;
+    if (answers(gatewaySet ? kGatewaySet : u"SET QUOTED_IDENTIFIER ON", !gatewaySet)) {
+      return gatewaySet;
+    }
     // A session that does not answer is as good as dead, and so, most likely, are the others
     // kept for the same server; what is left of the login's bound goes to a fresh one.
-    pool::purge(key_);
+    pool::purge(key_, LogoutCause::NotAnswering);
+    physical_->cause = LogoutCause::NotAnswering;
     physical_.reset();
+    origin_ = SessionOrigin::Fresh;
     const auto spent =
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)
             .count();
@@ -322,9 +389,9 @@ class OdbcConnection final : public ProviderConnection {
 
   // Whether the kept session runs a setting within the probe's bound; false when it did not
   // answer or its link is dead, an error of the statement's own raised.
-  bool answers(std::u16string_view setting) {
+  bool answers(std::u16string_view setting, bool told) {
     try {
-      direct(*physical_, setting, probeSeconds(loginTimeout_));
+      direct(*physical_, setting, probeSeconds(loginTimeout_), told);
       return true;
     } catch (const Error& e) {
       if (!isTimeout(e) && !isLinkFailure(e, physical_->dbc)) throw;
@@ -382,7 +449,7 @@ class OdbcConnection final : public ProviderConnection {
       dirty_.transaction = true;
       if (!isLinkFailure(e, physical_->dbc)) throw;
       dirty_.dead = true;
-      if (pooled_) pool::purge(key_);
+      if (pooled_) pool::purge(key_, LogoutCause::DeadLink);
       throw asLinkFailure(e);
     }
   }
@@ -409,13 +476,15 @@ class OdbcConnection final : public ProviderConnection {
   void release() noexcept {
     if (!physical_) return;
     PhysicalPtr physical = std::move(physical_);
+    pool::returned(key_);
     if (keep(*physical)) pool::give(key_, std::move(physical));
   }
 
   PhysicalPtr physical_;
   std::u16string key_;  // the connection string with credentials: the pool's key
   bool pooled_ = false;
-  bool reused_ = false;        // taken from the pool, and no statement sent on it yet
+  bool reused_ = false;  // taken from the pool, and no statement sent on it yet
+  SessionOrigin origin_ = SessionOrigin::Fresh;
   bool auditPending_ = false;  // a former caller's audit trail id may still be in the session
   Dirty dirty_;
   int cursorLocation_ = adUseClient;

@@ -1,7 +1,10 @@
 #include "providers/odbc/odbc_pool.hpp"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <mutex>
@@ -21,10 +24,42 @@
 namespace vrdppo::odbc {
 
 PhysicalConnection::~PhysicalConnection() {
-  if (dbc) SQLDisconnect(dbc.get());
+  if (!dbc) return;
+  SQLDisconnect(dbc.get());
+  pool::loggedOut(*this);
 }
 
 namespace {
+
+// Counted whether or not anyone looks: a figure is a relaxed add.
+struct Counters {
+  std::atomic<std::uint64_t> logins{0};
+  std::atomic<std::uint64_t> failedLogins{0};
+  std::atomic<std::uint64_t> reuses{0};
+  std::atomic<std::int64_t> loginNanos{0};
+  std::array<std::atomic<std::uint64_t>, kLogoutCauses> logouts{};
+};
+
+Counters& counters() {
+  static auto* c = new Counters;  // never destroyed: sessions are logged out at exit too
+  return *c;
+}
+
+void tellSession(SessionEventKind kind, LogoutCause cause, const std::u16string& key,
+                 std::chrono::nanoseconds took, const Error* error) noexcept {
+  if (!observe::active()) return;
+  try {
+    const observe::ParsedTarget target = observe::parseTarget(key);
+    SessionEvent event;
+    event.kind = kind;
+    event.cause = cause;
+    event.target = target.view("microsoft.sql_server");
+    event.duration = took;
+    event.error = error;
+    observe::tell(event);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): no memory to describe it
+  }
+}
 
 bool isOff(const char* value) {
   if (value == nullptr) return false;
@@ -49,6 +84,7 @@ struct Idle {
   std::mutex mutex;
   std::condition_variable wake;  // the process is ending, or the reaper has stopped
   std::unordered_map<std::u16string, std::vector<PhysicalPtr>> byKey;
+  std::unordered_map<std::u16string, std::size_t> inUse;  // connections holding a session
   std::size_t count = 0;
   bool reaping = false;  // a thread logs out what outlives its idle life
   bool stopping = false;
@@ -63,6 +99,7 @@ struct Idle {
         return now - p->idleSince < limit;
       });
       count -= static_cast<std::size_t>(stale - list.begin());
+      for (auto p = list.begin(); p != stale; ++p) (*p)->cause = LogoutCause::IdleLifeEnded;
       std::move(list.begin(), stale, std::back_inserter(out));
       list.erase(list.begin(), stale);
       it = list.empty() ? byKey.erase(it) : std::next(it);
@@ -89,6 +126,7 @@ struct Idle {
     }
     if (oldest == byKey.end()) return nullptr;
     PhysicalPtr out = std::move(oldest->second.front());
+    out->cause = LogoutCause::Limit;
     oldest->second.erase(oldest->second.begin());
     if (oldest->second.empty()) byKey.erase(oldest);
     --count;
@@ -110,6 +148,7 @@ Idle& idle() {
                        for (auto& c : list) (void)c.release();  // never closed in the child
                      }
                      i.byKey.clear();
+                     i.inUse.clear();
                      i.count = 0;
                      i.reaping = false;
                      i.mutex.unlock();
@@ -182,6 +221,8 @@ struct CloseAtExit {
       i.wake.wait(lock, [&] { return !i.reaping; });
     }
 #endif
+    // The observers may be gone with the statics of the program that installed them.
+    observe::silence();
     releaseIdleConnections();
   }
 } closeAtExit;
@@ -219,6 +260,7 @@ PhysicalPtr take(const std::u16string& key, std::int32_t auditTrailId) {
     auto& list = it->second;
     const auto limit = idleTimeout();
     while (!list.empty() && now - list.front()->idleSince >= limit) {
+      list.front()->cause = LogoutCause::IdleLifeEnded;
       stale.push_back(std::move(list.front()));
       list.erase(list.begin());
       --i.count;
@@ -243,6 +285,7 @@ void give(const std::u16string& key, PhysicalPtr connection) {
   Idle& i = idle();
   std::lock_guard lock(i.mutex);
   if (i.stopping) {
+    connection->cause = LogoutCause::Released;
     surplus.push_back(std::move(connection));
     return;
   }
@@ -251,6 +294,7 @@ void give(const std::u16string& key, PhysicalPtr connection) {
   connection->idleSince = now;
   auto& list = i.byKey[key];
   if (list.size() >= kIdlePerKey) {
+    list.front()->cause = LogoutCause::Limit;
     surplus.push_back(std::move(list.front()));  // the longest idle makes room
     list.erase(list.begin());
     --i.count;
@@ -266,7 +310,7 @@ void give(const std::u16string& key, PhysicalPtr connection) {
   }
 }
 
-void purge(const std::u16string& key) {
+void purge(const std::u16string& key, LogoutCause cause) {
   std::vector<PhysicalPtr> dead;
   {
     Idle& i = idle();
@@ -277,6 +321,39 @@ void purge(const std::u16string& key) {
     i.count -= dead.size();
     i.byKey.erase(it);
   }
+  for (auto& p : dead) p->cause = cause;
+}
+
+void acquired(const std::u16string& key) {
+  Idle& i = idle();
+  std::lock_guard lock(i.mutex);
+  ++i.inUse[key];
+}
+
+void returned(const std::u16string& key) noexcept {
+  Idle& i = idle();
+  std::lock_guard lock(i.mutex);
+  const auto it = i.inUse.find(key);
+  if (it == i.inUse.end()) return;
+  if (--it->second == 0) i.inUse.erase(it);
+}
+
+void loggedIn(const std::u16string& key, std::chrono::nanoseconds took, const Error* error) {
+  Counters& c = counters();
+  (error == nullptr ? c.logins : c.failedLogins).fetch_add(1, std::memory_order_relaxed);
+  c.loginNanos.fetch_add(took.count(), std::memory_order_relaxed);
+  tellSession(SessionEventKind::Login, LogoutCause::None, key, took, error);
+}
+
+void reused(const std::u16string& key) {
+  counters().reuses.fetch_add(1, std::memory_order_relaxed);
+  tellSession(SessionEventKind::Reuse, LogoutCause::None, key, {}, nullptr);
+}
+
+void loggedOut(const PhysicalConnection& connection) noexcept {
+  const auto cause = static_cast<std::size_t>(connection.cause);
+  if (cause < kLogoutCauses) counters().logouts[cause].fetch_add(1, std::memory_order_relaxed);
+  tellSession(SessionEventKind::Logout, connection.cause, connection.key, {}, nullptr);
 }
 
 }  // namespace pool
@@ -295,6 +372,64 @@ void releaseIdleConnections() {
     all.swap(i.byKey);
     i.count = 0;
   }
+  for (auto& [key, list] : all) {
+    for (auto& p : list) p->cause = LogoutCause::Released;
+  }
+}
+
+PoolFigures poolFigures() {
+  PoolFigures f;
+  {
+    Idle& i = idle();
+    std::lock_guard lock(i.mutex);
+    std::unordered_map<std::u16string, PoolFigures::ForString> byKey;
+    for (const auto& [key, list] : i.byKey) byKey[key].idle = list.size();
+    for (const auto& [key, n] : i.inUse) byKey[key].inUse = n;
+    for (auto& [key, figures] : byKey) {
+      f.idle += figures.idle;
+      f.inUse += figures.inUse;
+      figures.connection = key;
+      f.strings.push_back(std::move(figures));
+    }
+  }
+  // Two strings that differ only in their passwords read the same once masked: kept apart.
+  for (auto& s : f.strings) s.connection = observe::maskPasswords(s.connection);
+  std::sort(f.strings.begin(), f.strings.end(),
+            [](const auto& a, const auto& b) { return a.connection < b.connection; });
+  const Counters& c = counters();
+  f.logins = c.logins.load(std::memory_order_relaxed);
+  f.failedLogins = c.failedLogins.load(std::memory_order_relaxed);
+  f.reuses = c.reuses.load(std::memory_order_relaxed);
+  for (std::size_t k = 0; k < kLogoutCauses; ++k) {
+    f.logouts[k] = c.logouts[k].load(std::memory_order_relaxed);
+  }
+  f.loginTime = std::chrono::nanoseconds(c.loginNanos.load(std::memory_order_relaxed));
+  return f;
+}
+
+std::string poolFiguresText(const PoolFigures& f) {
+  const auto ms = [](std::chrono::nanoseconds d) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f ms", static_cast<double>(d.count()) / 1e6);
+    return std::string(text);
+  };
+  std::string out = "sessions: " + std::to_string(f.idle) + " idle, " + std::to_string(f.inUse) +
+                    " in use; logins: " + std::to_string(f.logins) + " in " + ms(f.loginTime);
+  if (f.failedLogins != 0) out += " (" + std::to_string(f.failedLogins) + " failed)";
+  out += "; reuses: " + std::to_string(f.reuses) + "; logouts:";
+  std::uint64_t logouts = 0;
+  for (std::size_t k = 1; k < kLogoutCauses; ++k) {
+    if (f.logouts[k] == 0) continue;
+    out += ' ' + std::string(logoutCauseName(static_cast<LogoutCause>(k))) + ' ' +
+           std::to_string(f.logouts[k]);
+    logouts += f.logouts[k];
+  }
+  if (logouts == 0) out += " none";
+  for (const auto& s : f.strings) {
+    out += "\n  " + std::to_string(s.idle) + " idle, " + std::to_string(s.inUse) +
+           " in use: " + toUtf8(s.connection);
+  }
+  return out;
 }
 
 }  // namespace vrdppo::odbc

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "providers/odbc/odbc_handles.hpp"
+#include "vrdppo/observer.hpp"
 
 namespace vrdppo::odbc {
 
@@ -23,8 +24,13 @@ struct PhysicalConnection {
   // What "exec ZZ_SetAuditTrailID n" left in the session context; 0 when nothing.
   std::int32_t auditTrailId = 0;
   std::chrono::steady_clock::time_point idleSince;
+  std::u16string key;  // the connection string it was made with, credentials included
+  LogoutCause cause = LogoutCause::NotKept;  // why it is logged out, when it is
 
-  ~PhysicalConnection();
+  PhysicalConnection() = default;
+  ~PhysicalConnection();  // logs out, counted under its cause
+  PhysicalConnection(const PhysicalConnection&) = delete;
+  PhysicalConnection& operator=(const PhysicalConnection&) = delete;
 };
 using PhysicalPtr = std::unique_ptr<PhysicalConnection>;
 
@@ -50,9 +56,19 @@ std::size_t idleLimit();
 PhysicalPtr take(const std::u16string& key, std::int32_t auditTrailId);
 // Keeps a connection whose session is clean for the next caller with the same key.
 void give(const std::u16string& key, PhysicalPtr connection);
-// Closes every idle connection of key: one of them found its link dead, and so, most likely
-// (a server restarted, a network dropped), are the others.
-void purge(const std::u16string& key);
+// Closes every idle connection of key: one of them found its link dead or did not answer, and
+// so, most likely (a server restarted, a network dropped), are the others.
+void purge(const std::u16string& key, LogoutCause cause);
+
+// A connection of key has a session (fresh or kept) until `returned`: the figures' "in use".
+void acquired(const std::u16string& key);
+void returned(const std::u16string& key) noexcept;
+// A login made (its time) or failed, and a kept session reused: counted for the figures, and told
+// to the observers with the error of a failed login.
+void loggedIn(const std::u16string& key, std::chrono::nanoseconds took, const Error* error);
+void reused(const std::u16string& key);
+// A session logged out under its cause: counted, and told.
+void loggedOut(const PhysicalConnection& connection) noexcept;
 
 }  // namespace pool
 
