@@ -3,6 +3,8 @@
 #include <functional>
 #include <initializer_list>
 #include <iostream>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -11,6 +13,8 @@
 
 #include "commands.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/observer.hpp"
+#include "vrdppo/odbc_pool.hpp"
 #include "vrdppo/vrdppo.h"
 
 namespace {
@@ -63,7 +67,42 @@ std::string joined(std::initializer_list<const char*> parts) {
 struct Raw {
   std::string className, operation, path, stateArgument, state, connect;
   std::vector<std::string> sets, args;
-  bool json = false, buffer = false;
+  bool json = false, buffer = false, trace = false;
+};
+
+// --trace: each statement and session event on a line of standard error as it happens, so that
+// what goes to standard output stays clean; the pool's figures at the end.
+class Trace final : public vrdppo::Observer {
+ public:
+  void onStatement(const vrdppo::StatementEvent& e) override {
+    line(vrdppo::observe::traceLine(e));
+  }
+  void onSession(const vrdppo::SessionEvent& e) override { line(vrdppo::observe::traceLine(e)); }
+
+ private:
+  void line(const std::string& text) {
+    const std::lock_guard lock(mutex_);
+    std::cerr << text << '\n' << std::flush;
+  }
+  std::mutex mutex_;
+};
+
+// Installs the trace for the command's run and ends it with the figures.
+class Tracing {
+ public:
+  explicit Tracing(bool on) : on_(on) {
+    if (on_) vrdppo::observe::setProcessObserver(std::make_shared<Trace>());
+  }
+  ~Tracing() {
+    if (!on_) return;
+    vrdppo::observe::setProcessObserver(nullptr);
+    std::cerr << "vrdppo: " << vrdppo::odbc::poolFiguresText(vrdppo::odbc::poolFigures()) << '\n';
+  }
+  Tracing(const Tracing&) = delete;
+  Tracing& operator=(const Tracing&) = delete;
+
+ private:
+  bool on_;
 };
 
 bool given(const CLI::App& command, const char* name) {
@@ -129,6 +168,12 @@ int run(int argc, char** argv) {
   const auto json = [&](CLI::App* c) {
     c->add_flag("--json", raw.json, "JSON, one object per record and line, instead of a table");
   };
+  const auto trace = [&](CLI::App* c) {
+    c->add_flag("--trace", raw.trace,
+                "each statement as it runs (time, rows, whether its server session was kept, "
+                "text), and the server sessions' logins and logouts, one line each on standard "
+                "error; the kept sessions' figures at the end");
+  };
 
   command("classes", "every class, one name per line",
           [](const Options& o) { return listClasses(o, std::cout); });
@@ -180,6 +225,7 @@ int run(int argc, char** argv) {
     args(c);
     connect(c, kConnect);
     json(c);
+    trace(c);
   }
   {
     CLI::App* c = command("commit",
@@ -192,6 +238,7 @@ int run(int argc, char** argv) {
     args(c);
     connect(c, kConnect);
     json(c);
+    trace(c);
   }
   {
     CLI::App* c =
@@ -202,6 +249,7 @@ int run(int argc, char** argv) {
     state(c, sets(c));
     args(c);
     connect(c, kConnect);
+    trace(c);
   }
   {
     CLI::App* c =
@@ -212,6 +260,7 @@ int run(int argc, char** argv) {
     CLI::Option* path = c->add_option("PATH", raw.path, "the store file, made anew");
     connect(c, "run the day on this connection string instead, keeping what it holds")
         ->excludes(path);
+    trace(c);
   }
 
   {
@@ -224,6 +273,7 @@ int run(int argc, char** argv) {
     connect(c, "the database: an ODBC connection string, or an existing embedded store's")
         ->required();
     c->add_flag("--json", raw.json, "the report as one JSON object");
+    trace(c);
   }
 
   if (argc < 2 || std::strcmp(argv[1], "help") == 0) {
@@ -256,7 +306,10 @@ int run(int argc, char** argv) {
   }
   try {
     for (const auto& [c, run] : commands) {
-      if (c->parsed()) return run(options(raw, *c, argv[0]));
+      if (!c->parsed()) continue;
+      const Options o = options(raw, *c, argv[0]);
+      const Tracing tracing(raw.trace);
+      return run(o);
     }
     return 2;  // require_subcommand has ruled this out
   } catch (const std::invalid_argument& e) {

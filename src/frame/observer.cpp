@@ -256,8 +256,11 @@ std::string oneLine(std::string out) {
 
 std::string traceLine(const StatementEvent& e) {
   std::string line = "vrdppo: " + milliseconds(e.duration);
-  if (e.returnedRows >= 0) line += ", " + std::to_string(e.returnedRows) + " rows returned";
-  if (e.affectedRows >= 0) line += ", " + std::to_string(e.affectedRows) + " rows affected";
+  const auto rows = [](std::int64_t n, const char* what) {
+    return ", " + std::to_string(n) + (n == 1 ? " row " : " rows ") + what;
+  };
+  if (e.returnedRows >= 0) line += rows(e.returnedRows, "returned");
+  if (e.affectedRows > 0) line += rows(e.affectedRows, "affected");
   if (e.session == SessionOrigin::Fresh) line += ", fresh session";
   if (e.session == SessionOrigin::Kept) line += ", kept session";
   line += " [" + where(e.target) + "] " + oneLine(toUtf8(e.queryText));

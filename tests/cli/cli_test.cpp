@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -141,6 +142,33 @@ TEST(Cli, CommitLoadDeleteOnTheDefaultStore) {
                              "  in the statement: SELECT * FROM STEMS WHERE NoSuchColumn = 1\n"),
             std::string::npos)
       << missing.err;
+}
+
+// --trace writes each statement and the figures to standard error; standard output is as without.
+TEST(Cli, TraceShowsEachStatementOnStandardError) {
+  const std::string store = storeOption("trace.db");
+  ASSERT_EQ(run("commit cStemsPersist --set TotalNetWeight=5 " + store).status, 0);
+  const Result plain = run("load cStemsPersist --json " + store);
+  const Result traced = run("load cStemsPersist --json --trace " + store);
+  ASSERT_EQ(traced.status, 0) << traced.err;
+  EXPECT_EQ(traced.out, plain.out);
+  const std::vector<std::string> lines = [&] {
+    std::vector<std::string> out;
+    std::istringstream in(traced.err);
+    for (std::string line; std::getline(in, line);) out.push_back(line);
+    return out;
+  }();
+  ASSERT_EQ(lines.size(), 3u) << traced.err;
+  EXPECT_TRUE(lines[0].starts_with("vrdppo: ")) << lines[0];
+  EXPECT_TRUE(lines[0].ends_with("trace.db] SET QUOTED_IDENTIFIER OFF")) << lines[0];
+  EXPECT_NE(lines[1].find(", 1 row returned"), std::string::npos) << lines[1];
+  EXPECT_TRUE(lines[1].ends_with("[sqlite trace.db] SELECT * FROM STEMS")) << lines[1];
+  EXPECT_TRUE(lines[2].starts_with("vrdppo: sessions: 0 idle, 0 in use; logins: 0")) << lines[2];
+  const Result failed =
+      run("load cStemsPersist --trace --arg 'sCriteria=NoSuchColumn = 1' " + store);
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_NE(failed.err.find("WHERE NoSuchColumn = 1 -- failed: 42S22 "), std::string::npos)
+      << failed.err;
 }
 
 TEST(Cli, ClassesAndHelp) {
