@@ -18,6 +18,11 @@
 #include "vrdppo/production/stems.hpp"
 #include "vrdppo/text.hpp"
 
+namespace vrdppo::bench {
+// Installs an observer that does nothing for the process, or removes it (observer_bench.cpp).
+void observeWithNothing(bool on);
+}  // namespace vrdppo::bench
+
 namespace {
 
 // Rows the benchmark table starts with; Load and the update read and write the first of them.
@@ -198,8 +203,9 @@ class Deletable {
 
 enum class Call { Load, CommitNew, CommitExisting, Delete };
 
-void library(benchmark::State& state, Call call, bool pooled) {
+void library(benchmark::State& state, Call call, bool pooled, bool observed = false) {
   if (skipped(state)) return;
+  vrdppo::bench::observeWithNothing(observed);
   const std::u16string connect = connectFor(pooled);
   vrdppo::cStemsPersist o;
   const std::u16string fresh = stemsState(0);
@@ -224,6 +230,7 @@ void library(benchmark::State& state, Call call, bool pooled) {
         break;
     }
   }
+  vrdppo::bench::observeWithNothing(false);
   state.SetItemsProcessed(state.iterations());
 }
 
@@ -299,6 +306,13 @@ const int kRegistered = [] {
                                  [call](benchmark::State& s) { library(s, call, false); })
         ->Unit(benchmark::kMillisecond)
         ->Iterations(20);
+    // With an observer installed that does nothing: what telling it costs a call.
+    if (call == Call::Load || call == Call::CommitExisting) {
+      benchmark::RegisterBenchmark(("BM_Call" + name + "Observed").c_str(),
+                                   [call](benchmark::State& s) { library(s, call, true, true); })
+          ->Unit(benchmark::kMicrosecond)
+          ->MinTime(1.0);
+    }
   }
   return 0;
 }();

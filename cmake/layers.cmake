@@ -43,7 +43,7 @@ set(VRDPPO_LAYER_SOURCES_plant
 set(VRDPPO_LAYER_SOURCES_library library/builtins.cpp)
 set(VRDPPO_LAYER_SOURCES_capi capi/capi.cpp)
 set(VRDPPO_LAYER_SOURCES_server server/classes.cpp server/exports.cpp server/module.cpp
-                                server/object.cpp server/variants.cpp)
+                                server/object.cpp server/trace_file.cpp server/variants.cpp)
 
 # What each layer sees: folders of src/, then public headers (files or folders of include/vrdppo).
 set(frame_public buffer.hpp dbhelp.hpp error.hpp locale.hpp observer.hpp operations.hpp persist.hpp

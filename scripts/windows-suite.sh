@@ -90,14 +90,26 @@ step "regsvr32"
 status=0
 # Wine's script host ends with status 0 on an error the script does not trap, and says nothing:
 # the suite has passed only when its last line says so.
-vbs_out=$(run cscript //nologo "$win\\suite.vbs" "$win\\expected_typelib.txt" "$win\\suite.db" |
-  tr -d '\r') || true
+# The suite's run also writes the trace file, which the type-library client's (without the
+# variable) must not.
+vbs_out=$(VRDPPO_TRACE_FILE="$win\\trace.txt" run cscript //nologo "$win\\suite.vbs" \
+  "$win\\expected_typelib.txt" "$win\\suite.db" | tr -d '\r') || true
 echo "$vbs_out"
 [ "$(tail -1 <<<"$vbs_out")" = "suite.vbs: passed" ] ||
   { echo "windows-suite: the VBScript suite failed" >&2; status=1; }
 step "VBScript suite"
-run "$win\\typelib_client.exe" "$win\\expected_typelib.txt" "$win\\client.db" ||
+[ -f "$dir/trace.txt" ] || fail "VRDPPO_TRACE_FILE named a file the server did not write"
+trace_lines() { grep -c -E "^[0-9-]{10} [0-9:.]{12} [0-9]+ vrdppo: .*$1" "$dir/trace.txt" || true; }
+if [ "$(trace_lines 'ms.* SET QUOTED_IDENTIFIER OFF')" -lt 1 ] ||
+   [ "$(trace_lines '\[sqlite .*suite.db\] SELECT ')" -lt 1 ]; then
+  echo "windows-suite: the trace file lacks the suite's statements" >&2; status=1
+fi
+echo "trace file: $(wc -l <"$dir/trace.txt") lines"
+size=$(wc -c <"$dir/trace.txt")
+(unset VRDPPO_TRACE_FILE; run "$win\\typelib_client.exe" "$win\\expected_typelib.txt" "$win\\client.db") ||
   { echo "windows-suite: the type-library client failed" >&2; status=1; }
+[ "$(wc -c <"$dir/trace.txt")" = "$size" ] ||
+  { echo "windows-suite: a client without VRDPPO_TRACE_FILE wrote to the trace" >&2; status=1; }
 step "type-library client"
 
 run regsvr32 /s /u "$win\\vrdppo.dll" || fail "regsvr32 /u did not unregister the DLL"

@@ -119,6 +119,8 @@ struct ParsedTarget {
   DatabaseTarget view(std::string_view system) const;
 };
 ParsedTarget parseTarget(std::u16string_view connect);
+// The same, kept for the thread's last string: a call's statements all go to one.
+const ParsedTarget& targetOf(std::u16string_view connect);
 
 // The connection string with the value of every password key (PWD, Password, any case) replaced
 // by "***".

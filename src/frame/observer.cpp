@@ -175,6 +175,16 @@ ParsedTarget parseTarget(std::u16string_view connect) {
   return t;
 }
 
+const ParsedTarget& targetOf(std::u16string_view connect) {
+  thread_local std::u16string last;
+  thread_local ParsedTarget target;
+  if (last != connect || target.masked.empty()) {
+    target = parseTarget(connect);
+    last = connect;
+  }
+  return target;
+}
+
 std::u16string maskPasswords(std::u16string_view connect) {
   std::u16string out;
   std::size_t i = 0;

@@ -121,7 +121,7 @@ void Connection::observed(std::u16string_view sql, std::chrono::steady_clock::ti
                           std::int64_t returned, std::int64_t affected, const Error* error) const {
   const auto duration = std::chrono::steady_clock::now() - start;
   try {
-    const observe::ParsedTarget target = observe::parseTarget(connect_);
+    const observe::ParsedTarget& target = observe::targetOf(connect_);
     std::string name;
     std::string_view system = impl_->system();
     if (system.empty()) system = name = providers::nameFor(connect_);

@@ -111,6 +111,7 @@ HRESULT typeLibrary(ITypeLib** out) noexcept {
 HRESULT getClassFactory(const ServedClass& c, REFIID iid, void** out) noexcept {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
+  startTraceFile();
   Factory* f = nullptr;
   try {
     f = new Factory(c);

@@ -50,6 +50,8 @@ HRESULT typeLibrary(ITypeLib** out) noexcept;
 
 HRESULT createObject(const ServedClass& c, REFIID iid, void** out) noexcept;
 HRESULT getClassFactory(const ServedClass& c, REFIID iid, void** out) noexcept;
+// Installs the trace file that VRDPPO_TRACE_FILE names, once, before the first object is made.
+void startTraceFile() noexcept;
 
 // Conversions. fromVariant follows a by-reference VARIANT to what it holds and raises the type
 // mismatch for what no argument can be; a VT_ERROR of DISP_E_PARAMNOTFOUND is a missing argument.

@@ -344,7 +344,7 @@ class OdbcConnection final : public ProviderConnection {
   void tellOwn(std::u16string_view sql, std::chrono::steady_clock::time_point start,
                const Error* error) const noexcept {
     try {
-      const observe::ParsedTarget target = observe::parseTarget(key_);
+      const observe::ParsedTarget& target = observe::targetOf(key_);
       const std::u16string operation = observe::operationOf(sql);
       StatementEvent event;
       event.target = target.view(system());

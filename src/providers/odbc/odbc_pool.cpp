@@ -49,7 +49,7 @@ void tellSession(SessionEventKind kind, LogoutCause cause, const std::u16string&
                  std::chrono::nanoseconds took, const Error* error) noexcept {
   if (!observe::active()) return;
   try {
-    const observe::ParsedTarget target = observe::parseTarget(key);
+    const observe::ParsedTarget& target = observe::targetOf(key);
     SessionEvent event;
     event.kind = kind;
     event.cause = cause;
