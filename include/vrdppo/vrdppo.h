@@ -216,6 +216,100 @@ VRDPPO_C_API void vrdppo_embedded_release(const char* path);
 VRDPPO_C_API int32_t vrdppo_check_schema(const char* connect, int32_t json, char** report,
                                          int32_t* problems, vrdppo_status* status);
 
+/* What the library sends, told to an observer the caller installs (vrdppo_observer_set). The
+ * names follow the common tracing conventions for database calls. Every string is UTF-8 and
+ * lives only during the call that hands it over. */
+
+/* Where the server session a statement ran on came from. */
+typedef enum vrdppo_session_origin {
+  VRDPPO_ORIGIN_NONE = 0,  /* the provider has no logins (the embedded store) */
+  VRDPPO_ORIGIN_FRESH = 1, /* a login made for this connection */
+  VRDPPO_ORIGIN_KEPT = 2   /* a server session kept from an earlier connection */
+} vrdppo_session_origin;
+
+/* One statement the library sent. */
+typedef struct vrdppo_statement_event {
+  const char* db_system_name;    /* "microsoft.sql_server", "sqlite", or the provider's name */
+  const char* server_address;    /* "" where the connection string names none */
+  int32_t server_port;           /* 0 where it names none */
+  const char* db_namespace;      /* the database, or the store's file; "" for none */
+  const char* connection;        /* the whole connection string, every password masked */
+  const char* db_query_text;     /* exactly as sent */
+  const char* db_operation_name; /* its first word in upper case ("SELECT", "EXEC") */
+  int64_t returned_rows;         /* -1 when it gave no rows */
+  int64_t affected_rows;         /* rows it inserted, updated or deleted; -1 when not known */
+  int64_t duration_ns;
+  int32_t session; /* a vrdppo_session_origin */
+  /* The error of a statement that failed, as a vrdppo_status would carry it: number 0 and the
+   * strings NULL when it succeeded. */
+  int32_t error_number;
+  int32_t error_native;
+  const char* error_sql_state;
+  const char* error_description;
+  const char* error_source;
+} vrdppo_statement_event;
+
+typedef enum vrdppo_session_event_kind {
+  VRDPPO_EVENT_LOGIN = 0, /* a fresh login, with its time (and its error when it failed) */
+  VRDPPO_EVENT_REUSE = 1, /* a kept session handed to a connection */
+  VRDPPO_EVENT_LOGOUT = 2 /* a session logged out, with the cause */
+} vrdppo_session_event_kind;
+
+/* Why a session was logged out. */
+typedef enum vrdppo_logout_cause {
+  VRDPPO_LOGOUT_NONE = 0,            /* not a logout */
+  VRDPPO_LOGOUT_NOT_KEPT = 1,        /* the string or the environment keeps no sessions */
+  VRDPPO_LOGOUT_SESSION_CHANGED = 2, /* a statement may have left something in the session */
+  VRDPPO_LOGOUT_IDLE_LIFE_ENDED = 3, /* kept idle for longer than its life */
+  VRDPPO_LOGOUT_LIMIT = 4,           /* the cap of idle sessions made room for a newer one */
+  VRDPPO_LOGOUT_DEAD_LINK = 5,       /* its link to the server failed */
+  VRDPPO_LOGOUT_NOT_ANSWERING = 6,   /* a kept session did not answer in time */
+  VRDPPO_LOGOUT_RELEASED = 7         /* the caller released every idle session */
+} vrdppo_logout_cause;
+
+/* What happened to a kept server session. */
+typedef struct vrdppo_session_event {
+  int32_t kind;           /* a vrdppo_session_event_kind */
+  int32_t cause;          /* a vrdppo_logout_cause */
+  const char* cause_name; /* "idle-life-ended", as the pool figures name it; "none" */
+  const char* db_system_name;
+  const char* server_address;
+  int32_t server_port;
+  const char* db_namespace;
+  const char* connection;
+  int64_t duration_ns;  /* a login's time; 0 otherwise */
+  int32_t error_number; /* a login that failed; 0 and NULLs otherwise */
+  int32_t error_native;
+  const char* error_sql_state;
+  const char* error_description;
+  const char* error_source;
+} vrdppo_session_event;
+
+typedef void (*vrdppo_statement_observer)(const vrdppo_statement_event* event, void* user);
+typedef void (*vrdppo_session_observer)(const vrdppo_session_event* event, void* user);
+
+typedef enum vrdppo_observe_scope {
+  VRDPPO_OBSERVE_PROCESS = 0, /* every thread's statements, and the library's own thread's */
+  VRDPPO_OBSERVE_THREAD = 1   /* the calling thread's, told before the process's observer */
+} vrdppo_observe_scope;
+
+/* Installs an observer for the process or the calling thread, replacing the one there: either
+ * function may be NULL, and both NULL removes it. Each is called on the thread that made the
+ * call (sessions whose idle life ends do so on a thread of the library's, which only the
+ * process's observer hears of), with user as given, never for what it sends itself. It cannot
+ * change what a call sends or returns. Once this returns, the observer it replaced is not called
+ * again and no call of it is still running (except the caller's own, when an observer replaces
+ * itself), so its user data may be freed. */
+VRDPPO_C_API int32_t vrdppo_observer_set(int32_t scope, vrdppo_statement_observer on_statement,
+                                         vrdppo_session_observer on_session, void* user,
+                                         vrdppo_status* status);
+
+/* What the kept server sessions are doing, and have done since the process began, as one JSON
+ * object, UTF-8 and NUL-terminated, freed with vrdppo_free: "idle" and "in_use" sessions in all
+ * and by connection string ("connections": [{"connection", "idle", "in_use"}], passwords
+ * masked), "logins", "failed_logins", "reuses", "logouts" by cause name and "login_time_ns". */
+VRDPPO_C_API int32_t vrdppo_pool_figures(char** json, vrdppo_status* status);
+
 /* A value as the platform writes it as text, UTF-8, NUL-terminated; NULL on failure. Freed with
  * vrdppo_free. */
 VRDPPO_C_API char* vrdppo_value_text(const vrdppo_value* value, vrdppo_status* status);

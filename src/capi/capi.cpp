@@ -1,5 +1,6 @@
 // The C interface over the registry: every entry point catches whatever the library raises and
 // hands it back as a status, so nothing but return values crosses into the caller's language.
+#include <condition_variable>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +16,8 @@
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/observer.hpp"
+#include "vrdppo/odbc_pool.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/registry.hpp"
 #include "vrdppo/render.hpp"
@@ -388,6 +391,164 @@ void requireOut(const void* out) {
   if (out == nullptr) throw invalidArgument("the output is NULL");
 }
 
+// The UTF-8 copies of a target's and an error's text, kept while an observer is called.
+struct EventText {
+  EventText(const vrdppo::DatabaseTarget& t, const Error* error)
+      : system(t.system),
+        server(vrdppo::toUtf8(t.serverAddress)),
+        database(vrdppo::toUtf8(t.databaseName)),
+        connection(vrdppo::toUtf8(t.connection)) {
+    if (error != nullptr) {
+      sqlState = error->sqlState();
+      description = error->description();
+      source = error->source();
+    }
+  }
+  template <class CEvent>
+  void fill(CEvent& out, const vrdppo::DatabaseTarget& t, const Error* error) const {
+    out.db_system_name = system.c_str();
+    out.server_address = server.c_str();
+    out.server_port = t.serverPort;
+    out.db_namespace = database.c_str();
+    out.connection = connection.c_str();
+    if (error != nullptr) {
+      out.error_number = error->number();
+      out.error_native = error->nativeError();
+      out.error_sql_state = sqlState.c_str();
+      out.error_description = description.c_str();
+      out.error_source = source.c_str();
+    }
+  }
+  std::string system, server, database, connection, sqlState, description, source;
+};
+
+class CObserver;
+// The C observer this thread is calling now: one that replaces itself from inside its own call
+// must not wait for that call to end.
+thread_local const CObserver* calling = nullptr;
+
+// An observer of C functions. Once retired it is called no more, and retiring waits for the calls
+// already running on other threads, so that the caller may free its user data after removing it.
+class CObserver final : public vrdppo::Observer {
+ public:
+  CObserver(vrdppo_statement_observer onStatement, vrdppo_session_observer onSession, void* user)
+      : onStatement_(onStatement), onSession_(onSession), user_(user) {}
+
+  void onStatement(const vrdppo::StatementEvent& e) override {
+    if (onStatement_ == nullptr) return;
+    const EventText text(e.target, e.error);
+    const std::string query = vrdppo::toUtf8(e.queryText);
+    const std::string operation = vrdppo::toUtf8(e.operationName);
+    vrdppo_statement_event out{};
+    text.fill(out, e.target, e.error);
+    out.db_query_text = query.c_str();
+    out.db_operation_name = operation.c_str();
+    out.returned_rows = e.returnedRows;
+    out.affected_rows = e.affectedRows;
+    out.duration_ns = e.duration.count();
+    out.session = static_cast<int32_t>(e.session);
+    const Running running(*this);
+    if (running) onStatement_(&out, user_);
+  }
+
+  void onSession(const vrdppo::SessionEvent& e) override {
+    if (onSession_ == nullptr) return;
+    const EventText text(e.target, e.error);
+    const std::string causeName(vrdppo::logoutCauseName(e.cause));
+    vrdppo_session_event out{};
+    text.fill(out, e.target, e.error);
+    out.kind = static_cast<int32_t>(e.kind);
+    out.cause = static_cast<int32_t>(e.cause);
+    out.cause_name = causeName.c_str();
+    out.duration_ns = e.duration.count();
+    const Running running(*this);
+    if (running) onSession_(&out, user_);
+  }
+
+  void retire() {
+    std::unique_lock lock(mutex_);
+    retired_ = true;
+    const int mine = calling == this ? 1 : 0;
+    ended_.wait(lock, [&] { return running_ == mine; });
+  }
+
+ private:
+  // A call counted while it runs; false when the observer is retired.
+  class Running {
+   public:
+    explicit Running(CObserver& o) : o_(o) {
+      const std::lock_guard lock(o_.mutex_);
+      if (o_.retired_) return;
+      ++o_.running_;
+      counted_ = true;
+      calling = &o_;
+    }
+    ~Running() {
+      if (!counted_) return;
+      calling = nullptr;
+      const std::lock_guard lock(o_.mutex_);
+      --o_.running_;
+      o_.ended_.notify_all();
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+    explicit operator bool() const { return counted_; }
+
+   private:
+    CObserver& o_;
+    bool counted_ = false;
+  };
+
+  vrdppo_statement_observer onStatement_;
+  vrdppo_session_observer onSession_;
+  void* user_;
+  std::mutex mutex_;
+  std::condition_variable ended_;
+  int running_ = 0;
+  bool retired_ = false;
+};
+
+void appendJsonString(std::string& out, std::string_view s) {
+  out += '"';
+  for (const char c : s) {
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      static constexpr char kHex[] = "0123456789abcdef";
+      out += "\\u00";
+      out += kHex[(static_cast<unsigned char>(c) >> 4U) & 0xFU];
+      out += kHex[static_cast<unsigned char>(c) & 0xFU];
+    } else {
+      out += c;
+    }
+  }
+  out += '"';
+}
+
+std::string poolFiguresJson(const vrdppo::odbc::PoolFigures& f) {
+  std::string out = "{\"idle\": " + std::to_string(f.idle) +
+                    ", \"in_use\": " + std::to_string(f.inUse) + ", \"connections\": [";
+  for (std::size_t i = 0; i < f.strings.size(); ++i) {
+    const auto& s = f.strings[i];
+    out += i == 0 ? "{\"connection\": " : ", {\"connection\": ";
+    appendJsonString(out, vrdppo::toUtf8(s.connection));
+    out +=
+        ", \"idle\": " + std::to_string(s.idle) + ", \"in_use\": " + std::to_string(s.inUse) + "}";
+  }
+  out += "], \"logins\": " + std::to_string(f.logins) +
+         ", \"failed_logins\": " + std::to_string(f.failedLogins) +
+         ", \"reuses\": " + std::to_string(f.reuses) + ", \"logouts\": {";
+  // Every cause, zeros too, so that a reader finds each key; "none" is no logout.
+  for (std::size_t k = 1; k < f.logouts.size(); ++k) {
+    if (k > 1) out += ", ";
+    appendJsonString(out, vrdppo::logoutCauseName(static_cast<vrdppo::LogoutCause>(k)));
+    out += ": " + std::to_string(f.logouts[k]);
+  }
+  out += "}, \"login_time_ns\": " + std::to_string(f.loginTime.count()) + "}";
+  return out;
+}
+
 }  // namespace
 
 extern "C" {
@@ -639,6 +800,31 @@ int32_t vrdppo_check_schema(const char* connect, int32_t json, char** report, in
     const vrdppo::SchemaReport r = vrdppo::checkSchema(vrdppo::fromUtf8(connect));
     if (problems != nullptr) *problems = r.problems();
     if (report != nullptr) *report = copyText(json != 0 ? r.json() : r.text());
+  });
+}
+
+int32_t vrdppo_observer_set(int32_t scope, vrdppo_statement_observer on_statement,
+                            vrdppo_session_observer on_session, void* user, vrdppo_status* status) {
+  return guarded(status, [&] {
+    if (scope != VRDPPO_OBSERVE_PROCESS && scope != VRDPPO_OBSERVE_THREAD) {
+      throw invalidArgument("no observer scope has that number");
+    }
+    std::shared_ptr<vrdppo::Observer> observer;
+    if (on_statement != nullptr || on_session != nullptr) {
+      observer = std::make_shared<CObserver>(on_statement, on_session, user);
+    }
+    const std::shared_ptr<vrdppo::Observer> replaced =
+        scope == VRDPPO_OBSERVE_PROCESS ? vrdppo::observe::setProcessObserver(std::move(observer))
+                                        : vrdppo::observe::setThreadObserver(std::move(observer));
+    if (auto* c = dynamic_cast<CObserver*>(replaced.get())) c->retire();
+  });
+}
+
+int32_t vrdppo_pool_figures(char** json, vrdppo_status* status) {
+  if (json != nullptr) *json = nullptr;
+  return guarded(status, [&] {
+    requireOut(json);
+    *json = copyText(poolFiguresJson(vrdppo::odbc::poolFigures()));
   });
 }
 

@@ -2,13 +2,18 @@
 // every failure comes back as a status.
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "endtoend/store_fixture.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/observer.hpp"
 #include "vrdppo/production/stems.hpp"
 #include "vrdppo/registry.hpp"
 #include "vrdppo/vrdppo.h"
@@ -422,4 +427,137 @@ TEST_F(CInterface, ASchemaCheckReportsAndCounts) {
   EXPECT_EQ(report, nullptr);
   EXPECT_NE(st.text().find(".none"), std::string::npos) << st.text();
   EXPECT_NE(vrdppo_check_schema(nullptr, 0, nullptr, nullptr, &st), 0);
+}
+
+namespace {
+
+struct Heard {
+  std::string scope;  // which observer: its user data's
+  std::string query;
+  std::string operation;
+  std::string system;
+  std::string database;
+  int64_t returned;
+  int64_t affected;
+  int32_t session;
+  int32_t errorNumber;
+  bool errorText;  // the error's strings are there
+};
+struct Log {
+  std::mutex mutex;
+  std::vector<Heard> heard;
+};
+struct Listener {
+  std::string scope;
+  Log* log;
+};
+
+void heardStatement(const vrdppo_statement_event* e, void* user) {
+  auto* l = static_cast<Listener*>(user);
+  const std::lock_guard lock(l->log->mutex);
+  l->log->heard.push_back({l->scope, e->db_query_text, e->db_operation_name, e->db_system_name,
+                           e->db_namespace, e->returned_rows, e->affected_rows, e->session,
+                           e->error_number,
+                           e->error_sql_state != nullptr && e->error_description != nullptr});
+}
+
+int selfRemovals = 0;
+void removesItself(const vrdppo_statement_event*, void*) {
+  ++selfRemovals;
+  vrdppo_observer_set(VRDPPO_OBSERVE_PROCESS, nullptr, nullptr, nullptr, nullptr);
+}
+
+}  // namespace
+
+// A C observer of the process and one of the thread hear a Commit's and a Load's statements, the
+// thread's first, each with its own user data; a call on another thread only the process's; and
+// neither anything once removed.
+TEST_F(CInterface, ObserversHearTheStatementsUntilRemoved) {
+  Status st;
+  Log log;
+  Listener process{"process", &log};
+  Listener thread{"thread", &log};
+  ASSERT_EQ(vrdppo_observer_set(VRDPPO_OBSERVE_PROCESS, heardStatement, nullptr, &process, &st), 0)
+      << st.text();
+  ASSERT_EQ(vrdppo_observer_set(VRDPPO_OBSERVE_THREAD, heardStatement, nullptr, &thread, &st), 0);
+
+  Object stems;
+  ASSERT_EQ(vrdppo_create("cStemsPersist", &stems.p, &st), 0);
+  const std::u16string state = stemState(0, 125.5, 77);
+  vrdppo_value commitArgs[] = {str16(state), str16(connect)};
+  Value ok;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Commit", commitArgs, 2, &ok, &st), 0) << st.text();
+  vrdppo_value loadArgs[] = {str8("ProductionRunId = 77"), str16(connect)};
+  Value loaded;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &loaded, &st), 0) << st.text();
+  vrdppo_value badArgs[] = {str8("NoSuchColumn = 1"), str16(connect)};
+  Value failed;
+  EXPECT_EQ(vrdppo_invoke(stems.p, "Load", badArgs, 2, &failed, &st), err::kCommandError);
+
+  ASSERT_GE(log.heard.size(), 6u);
+  ASSERT_EQ(log.heard.size() % 2, 0u);
+  for (std::size_t i = 0; i < log.heard.size(); i += 2) {
+    const Heard& h = log.heard[i];
+    SCOPED_TRACE(h.query);
+    EXPECT_EQ(h.scope, "thread");
+    EXPECT_EQ(log.heard[i + 1].scope, "process");
+    EXPECT_EQ(log.heard[i + 1].query, h.query);
+    EXPECT_EQ(h.system, "sqlite");
+    EXPECT_EQ(h.database, path);
+    EXPECT_EQ(h.session, VRDPPO_ORIGIN_NONE);
+    EXPECT_EQ(h.errorNumber != 0, i + 2 == log.heard.size());  // only the last failed
+    EXPECT_EQ(h.errorText, h.errorNumber != 0);
+  }
+  const auto find = [&](const char* text) {
+    return std::find_if(log.heard.begin(), log.heard.end(),
+                        [&](const Heard& h) { return h.query.find(text) != std::string::npos; });
+  };
+  const auto commit = find("INSERT INTO STEMS");
+  ASSERT_NE(commit, log.heard.end());
+  EXPECT_EQ(commit->operation, "EXEC");
+  EXPECT_EQ(commit->affected, 1);
+  const auto load = find("ProductionRunId = 77");
+  ASSERT_NE(load, log.heard.end());
+  EXPECT_EQ(load->operation, "SELECT");
+  EXPECT_EQ(load->returned, 1);
+
+  const std::size_t before = log.heard.size();
+  std::thread([&] {
+    Object mine;
+    Value rows;
+    vrdppo_create("cStemsPersist", &mine.p, nullptr);
+    EXPECT_EQ(vrdppo_invoke(mine.p, "Load", loadArgs, 2, &rows, nullptr), 0);
+  }).join();
+  ASSERT_GT(log.heard.size(), before);
+  for (std::size_t i = before; i < log.heard.size(); ++i) EXPECT_EQ(log.heard[i].scope, "process");
+
+  ASSERT_EQ(vrdppo_observer_set(VRDPPO_OBSERVE_PROCESS, nullptr, nullptr, nullptr, &st), 0);
+  ASSERT_EQ(vrdppo_observer_set(VRDPPO_OBSERVE_THREAD, nullptr, nullptr, nullptr, &st), 0);
+  const std::size_t removed = log.heard.size();
+  Value again;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &again, &st), 0);
+  EXPECT_EQ(log.heard.size(), removed);
+
+  // One that removes itself from inside its call does not wait for that call to end.
+  ASSERT_EQ(vrdppo_observer_set(VRDPPO_OBSERVE_PROCESS, removesItself, nullptr, nullptr, &st), 0);
+  Value twice;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &twice, &st), 0);
+  EXPECT_EQ(selfRemovals, 1);
+  EXPECT_EQ(vrdppo_observer_set(2, heardStatement, nullptr, &process, &st), err::kInvalidCall);
+}
+
+TEST(CInterfacePool, FiguresAsJson) {
+  Status st;
+  char* text = nullptr;
+  ASSERT_EQ(vrdppo_pool_figures(&text, &st), 0) << st.text();
+  ASSERT_NE(text, nullptr);
+  const auto figures = nlohmann::json::parse(text);
+  vrdppo_free(text);
+  for (const char* key : {"idle", "in_use", "logins", "failed_logins", "reuses", "login_time_ns"}) {
+    EXPECT_TRUE(figures.at(key).is_number_unsigned()) << key;
+  }
+  EXPECT_TRUE(figures.at("connections").is_array());
+  EXPECT_EQ(figures.at("logouts").size(), static_cast<std::size_t>(kLogoutCauses - 1));
+  EXPECT_TRUE(figures.at("logouts").at("idle-life-ended").is_number_unsigned());
+  EXPECT_EQ(vrdppo_pool_figures(nullptr, &st), err::kInvalidCall);
 }
