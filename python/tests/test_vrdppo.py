@@ -1,7 +1,11 @@
 """The Python module over the C interface, driving whole requests on an embedded store."""
 
+import contextlib
+import dataclasses
 import datetime
 import decimal
+import io
+import sys
 import inspect
 import os
 import pathlib
@@ -403,6 +407,107 @@ class SchemaCheck(Store):
         with self.assertRaises(vrdppo.Error):
             vrdppo.check(vrdppo.embedded_connect_string(missing))
         self.assertFalse(missing.exists())
+
+
+class Observers(Store):
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(vrdppo.set_observer, None)
+        self.addCleanup(vrdppo.set_observer, None, thread=True)
+        self.stems = vrdppo.create("cStemsPersist")
+
+    def commit_and_load(self):
+        layout = self.stems.layout
+        state = layout.encode({"TotalNetWeight": 12.5, "ProductionRunId": 77, "ContainerEnd": 12,
+                               "StemTypeID": 3})
+        ok = self.stems.Commit(state, self.connect)
+        return ok, self.stems.records_affected, self.stems.Load("ProductionRunId = 77",
+                                                                self.connect)
+
+    def test_a_callable_hears_a_commits_and_a_loads_statements(self):
+        heard = []
+        vrdppo.set_observer(heard.append)
+        self.commit_and_load()
+        with self.assertRaises(vrdppo.Error):
+            self.stems.Load("NoSuchColumn = 1", self.connect)
+        vrdppo.set_observer(None)
+        self.stems.Load("", self.connect)
+
+        by_text = {e.db_query_text: e for e in heard}
+        commit = next(e for t, e in by_text.items() if "INSERT INTO STEMS" in t)
+        load = by_text["SELECT * FROM STEMS WHERE ProductionRunId = 77"]
+        failed = by_text["SELECT * FROM STEMS WHERE NoSuchColumn = 1"]
+        self.assertEqual((commit.db_operation_name, commit.rows_affected), ("EXEC", 1))
+        self.assertEqual((load.db_operation_name, load.db_response_returned_rows), ("SELECT", 1))
+        self.assertIsNone(load.error)
+        self.assertEqual(load.attributes(), {
+            "db.system.name": "sqlite", "db.namespace": str(self.path),
+            "db.query.text": load.db_query_text, "db.operation.name": "SELECT",
+            "db.response.returned_rows": 1})
+        for e in heard:
+            self.assertEqual((e.db_system_name, e.db_namespace, e.server_address, e.session),
+                             ("sqlite", str(self.path), None, None))
+            self.assertIsInstance(e.duration, float)
+            self.assertLess(e.duration, 60)
+        self.assertIsInstance(failed.error, vrdppo.Error)
+        self.assertTrue(failed.error.sql_state)
+        self.assertEqual(failed.attributes()["error.type"], failed.error.sql_state)
+        self.assertIs(heard[-1], failed)  # nothing once removed
+        with self.assertRaises(dataclasses.FrozenInstanceError):
+            load.db_query_text = "changed"
+
+        figures = vrdppo.pool_figures()
+        for key in ("idle", "in_use", "connections", "logins", "failed_logins", "reuses",
+                    "logouts", "login_time_ns"):
+            self.assertIn(key, figures)
+        self.assertIn("idle-life-ended", figures["logouts"])
+
+    def test_a_raising_observer_changes_nothing_and_prints_nothing(self):
+        quiet = self.commit_and_load()
+        vrdppo.set_session(app_name="scales", audit_trail_id=9)
+        self.addCleanup(vrdppo.set_session, app_name="", audit_trail_id=0)
+
+        def raising(event):
+            vrdppo.set_session(app_name="observer", audit_trail_id=1)
+            raise RuntimeError("observer")
+
+        def exiting(event):
+            raise SystemExit(3)
+
+        unraisable = []
+        hook, sys.unraisablehook = sys.unraisablehook, unraisable.append
+        self.addCleanup(setattr, sys, "unraisablehook", hook)
+        err = io.StringIO()
+        with contextlib.redirect_stderr(err):
+            vrdppo.set_observer(raising, raising)
+            vrdppo.set_observer(exiting, thread=True)
+            ok, affected, loaded = self.commit_and_load()
+            with self.assertRaises(vrdppo.Error) as caught:
+                self.stems.Load("NoSuchColumn = 1", self.connect)
+        self.assertEqual((ok, affected), quiet[:2])
+        self.assertEqual(len(self.stems.layout.decode_buffer(loaded)),
+                         len(self.stems.layout.decode_buffer(quiet[2])) + 1)
+        self.assertIn("NoSuchColumn", caught.exception.statement)
+        self.assertEqual(vrdppo.session()["app_name"], "scales")
+        self.assertEqual((err.getvalue(), unraisable), ("", []))
+
+    def test_a_threads_observer_hears_its_thread_only(self):
+        main, worker = [], []
+
+        def work():
+            vrdppo.set_observer(worker.append, thread=True)
+            vrdppo.create("cStemsPersist").Load("StemsId = 1", self.connect)
+            vrdppo.set_observer(None, thread=True)
+
+        vrdppo.set_observer(main.append, thread=True)
+        t = threading.Thread(target=work)
+        t.start()
+        t.join()
+        self.stems.Load("StemsId = 2", self.connect)
+        self.assertIn("SELECT * FROM STEMS WHERE StemsId = 2", [e.db_query_text for e in main])
+        self.assertNotIn("StemsId = 1", " ".join(e.db_query_text for e in main))
+        self.assertIn("SELECT * FROM STEMS WHERE StemsId = 1", [e.db_query_text for e in worker])
+        self.assertNotIn("StemsId = 2", " ".join(e.db_query_text for e in worker))
 
 
 @unittest.skipUnless(os.environ.get("VRDPPO_CLI"), "VRDPPO_CLI names the built tool")

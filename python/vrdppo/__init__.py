@@ -11,7 +11,10 @@ travel inside them). A class's `layout` turns them into dicts and dicts back int
 field, refusing what a field cannot hold. The library's errors are raised as `vrdppo.Error`.
 """
 
+import _thread
+import atexit as _atexit
 import ctypes as _ctypes
+import dataclasses as _dataclasses
 import json as _json
 import datetime as _datetime
 import decimal as _decimal
@@ -29,7 +32,8 @@ State.__module__ = __name__
 
 __all__ = ["Error", "UnknownClass", "MissingArgument", "MISSING", "State", "Layout", "Persist",
            "classes", "create", "layout", "session", "set_session", "last_records_affected",
-           "embedded_connect_string", "open_store", "release_store", "check", "version",
+           "embedded_connect_string", "open_store", "release_store", "check",
+           "StatementEvent", "SessionEvent", "set_observer", "pool_figures", "version",
            "__version__"]
 
 _lib = _capi.load()
@@ -743,6 +747,173 @@ def check(connect, text=False):
     finally:
         _lib.vrdppo_free(report)
     return out if text else _json.loads(out)
+
+
+def _optional_text(p):
+    return p.decode("utf-8", "replace") if p else None
+
+
+def _event_error(e, statement=""):
+    if e.error_number == 0:
+        return None
+    return Error(e.error_number, _text(e.error_description), _text(e.error_source),
+                 _text(e.error_sql_state), e.error_native, statement)
+
+
+def _target_attributes(event):
+    out = {"db.system.name": event.db_system_name, "server.address": event.server_address,
+           "server.port": event.server_port, "db.namespace": event.db_namespace}
+    if event.error is not None:
+        out["error.type"] = event.error.sql_state or type(event.error).__name__
+        if event.error.native_error:
+            out["db.response.status_code"] = str(event.error.native_error)
+    return {k: v for k, v in out.items() if v is not None}
+
+
+@_dataclasses.dataclass(frozen=True)
+class StatementEvent:
+    """A statement the library sent, told to the observer of `set_observer`: its target, text,
+    rows, time (`duration`, in seconds), where its server session came from (`session`: "fresh",
+    "kept", or None for a provider without logins) and its `error` (a vrdppo.Error) if it
+    failed. Unknown values are None."""
+
+    db_system_name: str
+    server_address: "str | None"
+    server_port: "int | None"
+    db_namespace: "str | None"
+    connection: str
+    db_query_text: str
+    db_operation_name: str
+    db_response_returned_rows: "int | None"
+    rows_affected: "int | None"
+    duration: float
+    session: "str | None"
+    error: "Error | None"
+
+    def attributes(self):
+        """The attributes under the tracing conventions' names ("db.query.text", ...)."""
+        out = _target_attributes(self)
+        out["db.query.text"] = self.db_query_text
+        if self.db_operation_name:
+            out["db.operation.name"] = self.db_operation_name
+        if self.db_response_returned_rows is not None:
+            out["db.response.returned_rows"] = self.db_response_returned_rows
+        return out
+
+
+@_dataclasses.dataclass(frozen=True)
+class SessionEvent:
+    """What happened to a kept server session: `kind` "login", "reuse" or "logout", the logout's
+    `cause` ("idle-life-ended", ...; None for the others), its target, a login's `duration` in
+    seconds and a failed login's `error`."""
+
+    kind: str
+    cause: "str | None"
+    db_system_name: str
+    server_address: "str | None"
+    server_port: "int | None"
+    db_namespace: "str | None"
+    connection: str
+    duration: float
+    error: "Error | None"
+
+    def attributes(self):
+        """The target's attributes under the tracing conventions' names."""
+        return _target_attributes(self)
+
+
+def _target(e):
+    return dict(db_system_name=_text(e.db_system_name),
+                server_address=_optional_text(e.server_address),
+                server_port=e.server_port or None, db_namespace=_optional_text(e.db_namespace),
+                connection=_text(e.connection))
+
+
+def _statement_event(e):
+    return StatementEvent(
+        **_target(e), db_query_text=_text(e.db_query_text),
+        db_operation_name=_text(e.db_operation_name),
+        db_response_returned_rows=None if e.returned_rows < 0 else e.returned_rows,
+        rows_affected=None if e.affected_rows < 0 else e.affected_rows,
+        duration=e.duration_ns / 1e9, session=_capi.ORIGINS.get(e.session),
+        error=_event_error(e, _text(e.db_query_text)))
+
+
+def _session_event(e):
+    return SessionEvent(kind=_capi.EVENT_KINDS.get(e.kind, str(e.kind)),
+                        cause=_text(e.cause_name) if e.cause else None, **_target(e),
+                        duration=e.duration_ns / 1e9, error=_event_error(e))
+
+
+def _trampoline(prototype, convert, callback):
+    if callback is None:
+        return prototype()  # NULL
+    if not callable(callback):
+        raise TypeError(f"an observer is a callable, not {type(callback).__name__}")
+
+    def call(event, _user):
+        # Nothing an observer raises may reach the library's call or be printed by ctypes.
+        try:
+            callback(convert(event.contents))
+        except KeyboardInterrupt:
+            _thread.interrupt_main()  # raised again once the library's call returns
+        except BaseException:  # noqa: B036
+            pass
+
+    return prototype(call)
+
+
+# The C function objects of the observers installed, which the library calls until they are
+# replaced: the process's, and each thread's by its ident. A thread's are kept past its end
+# (until another thread with its ident replaces them) rather than freed while the library might
+# still hold them.
+_process_observer = None
+_thread_observers = {}
+
+
+def set_observer(on_statement, on_session=None, *, thread=False):
+    """Installs `on_statement(StatementEvent)` and `on_session(SessionEvent)` (either may be None)
+    for the process, or with thread=True for the calling thread only, replacing the observer
+    there; both None removes it. They are called after each statement and at each kept server
+    session's login, reuse and logout, on the thread that made the call (or, for sessions whose
+    idle life ends, on the library's own thread, which only the process's observer hears of).
+    What they raise is dropped: it changes nothing of the call, and nothing is printed."""
+    global _process_observer
+    installed = None
+    if on_statement is not None or on_session is not None:
+        installed = (_trampoline(_capi.StatementObserver, _statement_event, on_statement),
+                     _trampoline(_capi.SessionObserver, _session_event, on_session))
+    functions = installed or (_capi.StatementObserver(), _capi.SessionObserver())
+    _check(_lib.vrdppo_observer_set, _capi.OBSERVE_THREAD if thread else _capi.OBSERVE_PROCESS,
+           *functions, None)
+    # Only now may the replaced functions go: the library has stopped calling them.
+    if thread:
+        _thread_observers[_thread.get_ident()] = installed
+    else:
+        _process_observer = installed
+
+
+@_atexit.register
+def _remove_observers():
+    # No callback may run once the interpreter is finalising: the library may still send
+    # statements from its own exit handlers or threads.
+    if _process_observer is not None:
+        set_observer(None)
+    if _thread_observers.get(_thread.get_ident()) is not None:
+        set_observer(None, thread=True)
+
+
+def pool_figures():
+    """What the kept server sessions are doing, and have done since the process began, as a
+    dict: "idle" and "in_use" sessions, "connections" (a list of dicts of "connection", its
+    passwords masked, "idle" and "in_use"), "logins", "failed_logins", "reuses", "logouts" (a
+    dict by cause name) and "login_time_ns"."""
+    text = _ctypes.c_void_p()
+    _check(_lib.vrdppo_pool_figures, _ctypes.byref(text))
+    try:
+        return _json.loads(_ctypes.string_at(text.value).decode("utf-8"))
+    finally:
+        _lib.vrdppo_free(text)
 
 
 def __getattr__(name):

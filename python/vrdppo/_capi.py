@@ -59,6 +59,33 @@ class ColumnInfo(ctypes.Structure):
                 ("type", ctypes.c_int32), ("offset", ctypes.c_int32), ("length", ctypes.c_int32)]
 
 
+OBSERVE_PROCESS, OBSERVE_THREAD = 0, 1
+ORIGINS = {0: None, 1: "fresh", 2: "kept"}
+EVENT_KINDS = {0: "login", 1: "reuse", 2: "logout"}
+_TARGET = [("db_system_name", ctypes.c_char_p), ("server_address", ctypes.c_char_p),
+           ("server_port", ctypes.c_int32), ("db_namespace", ctypes.c_char_p),
+           ("connection", ctypes.c_char_p)]
+_ERROR = [("error_number", ctypes.c_int32), ("error_native", ctypes.c_int32),
+          ("error_sql_state", ctypes.c_char_p), ("error_description", ctypes.c_char_p),
+          ("error_source", ctypes.c_char_p)]
+
+
+class StatementEvent(ctypes.Structure):
+    _fields_ = _TARGET + [("db_query_text", ctypes.c_char_p),
+                          ("db_operation_name", ctypes.c_char_p),
+                          ("returned_rows", ctypes.c_int64), ("affected_rows", ctypes.c_int64),
+                          ("duration_ns", ctypes.c_int64), ("session", ctypes.c_int32)] + _ERROR
+
+
+class SessionEvent(ctypes.Structure):
+    _fields_ = [("kind", ctypes.c_int32), ("cause", ctypes.c_int32),
+                ("cause_name", ctypes.c_char_p)] + _TARGET + [
+                    ("duration_ns", ctypes.c_int64)] + _ERROR
+
+
+StatementObserver = ctypes.CFUNCTYPE(None, ctypes.POINTER(StatementEvent), ctypes.c_void_p)
+SessionObserver = ctypes.CFUNCTYPE(None, ctypes.POINTER(SessionEvent), ctypes.c_void_p)
+
 def _candidates():
     """VRDPPO_LIBRARY first, then libvrdppo.so beside the package or in a lib folder above it
     (where `cmake --install` and `pip install --target PREFIX/lib/python` put them), then the
@@ -120,6 +147,9 @@ def _declare(lib):
         "vrdppo_value_clear": (i32, [p(Value), status]),
         "vrdppo_status_clear": (None, [status]),
         "vrdppo_check_schema": (i32, [ctypes.c_char_p, i32, p(ctypes.c_void_p), p(i32), status]),
+        "vrdppo_observer_set": (i32, [i32, StatementObserver, SessionObserver, ctypes.c_void_p,
+                                      status]),
+        "vrdppo_pool_figures": (i32, [p(ctypes.c_void_p), status]),
         "vrdppo_free": (None, [ctypes.c_void_p]),
     }
     for name, (restype, argtypes) in signatures.items():
