@@ -539,6 +539,7 @@ TEST_F(CInterface, ObserversHearTheStatementsUntilRemoved) {
   EXPECT_EQ(log.heard.size(), removed);
 
   // One that removes itself from inside its call does not wait for that call to end.
+  selfRemovals = 0;
   ASSERT_EQ(vrdppo_observer_set(VRDPPO_OBSERVE_PROCESS, removesItself, nullptr, nullptr, &st), 0);
   Value twice;
   ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &twice, &st), 0);
