@@ -56,13 +56,13 @@ RATIOS = [
     # An observer installed that does nothing, against none, on one-row calls; the store's Commit
     # waits on its fdatasync either way, so its CPU time says what telling costs.
     ("server Load by key, no-op observer / none", "BM_CallLoadByKeyObserved", "BM_CallLoadByKey",
-     1.05),
+     1.1),
     ("server Commit existing, no-op observer / none", "BM_CallCommitExistingObserved",
-     "BM_CallCommitExisting", 1.05),
+     "BM_CallCommitExisting", 1.1),
     ("store Load by key, no-op observer / none", "BM_StoreLoadByKeyObserved", "BM_StoreLoadByKey",
-     1.05),
+     1.1),
     ("store Commit existing, no-op observer / none, CPU time", "BM_StoreCommitExistingObserved",
-     "BM_StoreCommitExisting", 1.05, "cpu"),
+     "BM_StoreCommitExisting", 1.1, "cpu"),
     # Both sides wait on the same fdatasync a row, so the wall clock moves with the disk; the CPU
     # time is what the library adds.
     ("Commit / prepared INSERT, CPU time", "BM_CommitInsert", "BM_PreparedInsert", 1.2, "cpu"),

@@ -139,7 +139,7 @@ class Connection {
                 std::int64_t returned, std::int64_t affected, const Error* error) const;
 
   std::unique_ptr<ProviderConnection> impl_;
-  std::u16string connect_;  // as opened, for the observers
+  std::u16string connect_;  // as opened, while an observer is installed
   bool open_ = false;
   int cursorLocation_ = 0;  // 0: the provider's default
   int timeout_ = -1;        // -1: the provider's default

@@ -113,7 +113,9 @@ void Connection::Open(const std::u16string& connect, const std::u16string& user,
   if (timeout_ >= 0) impl_->setCommandTimeout(timeout_);
   if (loginTimeout_ >= 0) impl_->setConnectionTimeout(loginTimeout_);
   impl_->open(connect, user, password, options);
-  connect_ = connect;
+  // Kept for the observers only: a call without one copies nothing. An observer installed
+  // between this and a statement hears it without its target.
+  if (observe::active()) connect_ = connect;
   open_ = true;
 }
 
