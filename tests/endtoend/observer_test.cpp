@@ -134,11 +134,15 @@ TEST_F(ObserverOnTheStore, ChangesNothingOfTheCall) {
   const std::string otherPath = path + "-other";
   removeStore(otherPath);
   auto recorder = std::make_shared<Recorder>();
-  const std::shared_ptr<Observer> observers[] = {
-      nullptr, std::make_shared<Throwing>(),
-      std::make_shared<Meddling>(embedded::connectString(otherPath)), recorder};
-  for (const auto& o : observers) {
-    SCOPED_TRACE(o ? typeid(*o).name() : "none");
+  const struct {
+    const char* name;
+    std::shared_ptr<Observer> observer;
+  } cases[] = {{"none", nullptr},
+               {"throwing", std::make_shared<Throwing>()},
+               {"meddling", std::make_shared<Meddling>(embedded::connectString(otherPath))},
+               {"recording", recorder}};
+  for (const auto& [name, o] : cases) {
+    SCOPED_TRACE(name);
     observe::setProcessObserver(o);
     const ThreadObserver mine(o);
     EXPECT_EQ(stems.Load(criteria, connect), before);
