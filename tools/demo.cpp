@@ -14,69 +14,26 @@
 
 namespace vrdppo::cli {
 
-namespace {
-
-// Set while a traced connection asks the registry for the provider it wraps, so that the trace
-// does not answer for itself.
-thread_local bool findingInner = false;
-
-// Whatever provider the connection string names, with each statement noted on its way. The
-// wrapped connection is made when the string is known, at open; settings made before wait.
-struct Traced : ProviderConnection {
-  Trace& trace;
-  std::unique_ptr<ProviderConnection> inner;
-  int cursorLocation = 0;
-  int timeout = -1;
-  explicit Traced(Trace& t) : trace(t) {}
-  void setCursorLocation(int l) override {
-    cursorLocation = l;
-    if (inner) inner->setCursorLocation(l);
+struct Trace::Recorder final : Observer {
+  void onStatement(const StatementEvent& e) override {
+    const std::lock_guard lock(mutex);
+    statements.push_back(toUtf8(e.queryText));
   }
-  void open(const std::u16string& c, const std::u16string& u, const std::u16string& p,
-            int o) override {
-    findingInner = true;
-    try {
-      inner = providers::connect(c);
-    } catch (...) {
-      findingInner = false;
-      throw;
-    }
-    findingInner = false;
-    if (cursorLocation != 0) inner->setCursorLocation(cursorLocation);
-    if (timeout >= 0) inner->setCommandTimeout(timeout);
-    inner->open(c, u, p, o);
-  }
-  std::shared_ptr<Recordset> execute(const std::u16string& sql, int o) override {
-    trace.add(toUtf8(sql));
-    return inner->execute(sql, o);
-  }
-  std::int64_t recordsAffected() const noexcept override {
-    return inner ? inner->recordsAffected() : -1;
-  }
-  void setCommandTimeout(int s) override {
-    timeout = s;
-    if (inner) inner->setCommandTimeout(s);
-  }
-  void close() override { inner->close(); }
+  std::mutex mutex;
+  std::vector<std::string> statements;
 };
 
-}  // namespace
-
-Trace::Trace()
-    : registration_(std::make_unique<providers::Registration>(
-          "demo-trace", [](std::u16string_view) { return !findingInner; },
-          [this] { return std::make_unique<Traced>(*this); })) {}
-
-Trace::~Trace() = default;
-
-std::vector<std::string> Trace::take() {
-  std::lock_guard lock(mutex_);
-  return std::exchange(statements_, {});
+Trace::Trace() : recorder_(std::make_shared<Recorder>()) {
+  previous_ = observe::setThreadObserver(recorder_);
 }
 
-void Trace::add(std::string statement) {
-  std::lock_guard lock(mutex_);
-  statements_.push_back(std::move(statement));
+Trace::~Trace() {
+  observe::setThreadObserver(std::move(previous_));
+}
+
+std::vector<std::string> Trace::take() {
+  const std::lock_guard lock(recorder_->mutex);
+  return std::exchange(recorder_->statements, {});
 }
 
 void DemoContext::heading(const std::string& text) {

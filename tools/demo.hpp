@@ -10,24 +10,26 @@
 #include <utility>
 #include <vector>
 
+#include "vrdppo/observer.hpp"
 #include "vrdppo/provider.hpp"
 #include "vrdppo/record.hpp"
 #include "vrdppo/render.hpp"
 
 namespace vrdppo::cli {
 
-// Wraps the embedded store's connections and keeps the statements sent through them.
+// Keeps the statements this thread sends while it lives, heard as this thread's observer.
 class Trace {
  public:
   Trace();
   ~Trace();
+  Trace(const Trace&) = delete;
+  Trace& operator=(const Trace&) = delete;
   std::vector<std::string> take();
-  void add(std::string statement);
 
  private:
-  std::mutex mutex_;
-  std::vector<std::string> statements_;
-  std::unique_ptr<providers::Registration> registration_;
+  struct Recorder;
+  std::shared_ptr<Recorder> recorder_;
+  std::shared_ptr<Observer> previous_;
 };
 
 struct DemoContext {
