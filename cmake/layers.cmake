@@ -2,6 +2,7 @@
 #
 #   frame                          the gateway, values, rendering, Buffer, contracts, registry
 #   providers  classes  check      ODBC and the store's engine; the five subsystems; the schema check
+#   criteria                       criteria built from values, read with the store's tokenizer
 #   plant                          the plant's schema and procedures as the store holds them
 #   library                        the built-in providers and the list of classes
 #   capi  (or server on Windows)   the C interface; the class server
@@ -36,6 +37,7 @@ set(VRDPPO_LAYER_SOURCES_classes
     lab/advice.cpp lab/degradation.cpp lab/foreign.cpp lab/green_moisture.cpp lab/headers.cpp
     lab/instruments.cpp lab/lab_calls.cpp lab/packed.cpp lab/settings.cpp)
 set(VRDPPO_LAYER_SOURCES_check check/procedure_calls.cpp check/schema_check.cpp)
+set(VRDPPO_LAYER_SOURCES_criteria criteria/criteria.cpp)
 set(VRDPPO_LAYER_SOURCES_plant
     plant/catalog.cpp plant/catalog_cages.cpp plant/catalog_frame.cpp plant/catalog_greenleaf.cpp
     plant/catalog_lab.cpp plant/catalog_lab_procedures.cpp plant/catalog_production.cpp
@@ -59,12 +61,15 @@ set(VRDPPO_LAYER_SEES_classes frame reference production greenleaf cages lab)
 set(VRDPPO_LAYER_PUBLIC_classes ${frame_public} ${class_public})
 set(VRDPPO_LAYER_SEES_check frame check)
 set(VRDPPO_LAYER_PUBLIC_check ${frame_public} schema_check.hpp)
+set(VRDPPO_LAYER_SEES_criteria frame providers criteria)
+set(VRDPPO_LAYER_PUBLIC_criteria ${frame_public} criteria.hpp)
 set(VRDPPO_LAYER_SEES_plant frame providers plant)
 set(VRDPPO_LAYER_PUBLIC_plant ${frame_public} ${provider_public})
 set(VRDPPO_LAYER_SEES_library frame providers plant library)
 set(VRDPPO_LAYER_PUBLIC_library ${frame_public} ${provider_public} ${class_public})
 set(VRDPPO_LAYER_SEES_capi frame capi)
-set(VRDPPO_LAYER_PUBLIC_capi ${frame_public} ${provider_public} schema_check.hpp vrdppo.h)
+set(VRDPPO_LAYER_PUBLIC_capi ${frame_public} ${provider_public} criteria.hpp schema_check.hpp
+                             vrdppo.h)
 set(VRDPPO_LAYER_SEES_server frame server)
 set(VRDPPO_LAYER_PUBLIC_server ${frame_public})
 
@@ -96,7 +101,7 @@ endfunction()
 # Every source of src/ is in a layer: a file left out of the lists would be left out of the build.
 file(GLOB_RECURSE vrdppo_all_sources RELATIVE ${PROJECT_SOURCE_DIR}/src CONFIGURE_DEPENDS
      ${PROJECT_SOURCE_DIR}/src/*.cpp)
-foreach(layer frame providers classes check plant library capi server)
+foreach(layer frame providers classes check criteria plant library capi server)
   list(REMOVE_ITEM vrdppo_all_sources ${VRDPPO_LAYER_SOURCES_${layer}})
 endforeach()
 if(vrdppo_all_sources)

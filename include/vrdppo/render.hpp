@@ -15,6 +15,11 @@ namespace vrdppo {
 // The SQL text of one column of a record by its render code; "NULL" for a column without one.
 std::u16string renderColumn(const Column& column, const std::byte* record);
 
+// A text as the S render codes write a string field: its blanks at either end trimmed, its
+// quotes doubled, between quotes.
+std::u16string stringLiteral(std::u16string_view text);
+// A date as the T render codes write it: formatDate's text between quotes.
+std::u16string dateLiteral(Date d, std::u16string_view format);
 // A date by a format of yyyy, MM, dd, HH, MM (minutes right behind HH) and SS, with the thread
 // locale's separators in place of "/" and ":".
 std::u16string formatDate(Date d, std::u16string_view format);

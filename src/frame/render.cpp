@@ -61,6 +61,22 @@ std::u16string formatDate(Date d, std::u16string_view format) {
   return out;
 }
 
+std::u16string stringLiteral(std::u16string_view text) {
+  // The doubled text goes into the SQL only; the field keeps its own.
+  const std::u16string doubled = dbHelp::ReplaceAll(std::u16string(text), u"'", u"''");
+  const auto trimmed = trimBlanks(doubled);
+  std::u16string out;
+  out.reserve(trimmed.size() + 2);
+  out += u'\'';
+  out += trimmed;
+  out += u'\'';
+  return out;
+}
+
+std::u16string dateLiteral(Date d, std::u16string_view format) {
+  return u'\'' + formatDate(d, format) + u'\'';
+}
+
 std::u16string renderColumn(const Column& c, const std::byte* record) {
   switch (c.render) {
     case Render::None:
@@ -82,17 +98,9 @@ std::u16string renderColumn(const Column& c, const std::byte* record) {
     }
     case Render::S:
     case Render::S0: {
-      // The doubled text goes into the SQL only; the field keeps its own.
-      const std::u16string doubled =
-          dbHelp::ReplaceAll(std::u16string(stringField(c, record)), u"'", u"''");
-      const auto trimmed = trimBlanks(doubled);
-      if (c.render == Render::S0 && trimmed.empty()) return u"Null";
-      std::u16string out;
-      out.reserve(trimmed.size() + 2);
-      out += u'\'';
-      out += trimmed;
-      out += u'\'';
-      return out;
+      const std::u16string_view text = stringField(c, record);
+      if (c.render == Render::S0 && trimBlanks(text).empty()) return u"Null";
+      return stringLiteral(text);
     }
     case Render::T:
     case Render::T0: {
@@ -100,7 +108,7 @@ std::u16string renderColumn(const Column& c, const std::byte* record) {
       if (c.render == Render::T0 && equalsNoCase(formatDate(v, u"yyyy/MM/dd"), u"1900/01/01")) {
         return u"Null";
       }
-      return u'\'' + formatDate(v, c.format) + u'\'';
+      return dateLiteral(v, c.format);
     }
   }
   return u"NULL";
