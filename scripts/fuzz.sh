@@ -17,7 +17,7 @@ done
 shift $((OPTIND - 1))
 harnesses=("$@")
 if [ ${#harnesses[@]} -eq 0 ]; then
-  harnesses=(record_state buffer dialect conversions state_text)
+  harnesses=(record_state buffer dialect conversions state_text criteria)
 fi
 
 work=$(mktemp -d)

@@ -1,5 +1,6 @@
 #include "vrdppo/criteria.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -44,10 +45,13 @@ bool wordish(char16_t c) {
 }
 
 // Whether two characters side by side would read as one token: a value glued to a word or number
-// of the template, "-" after "-" (a comment), "*" after "/" (another).
+// of the template, "-" after "-" (a comment), "*" after "/" (another), a quote after a quote (one
+// string with a doubled quote). A string after N stays N'...', the same string in Unicode.
 bool joins(char16_t before, char16_t after) {
-  return (wordish(before) && wordish(after)) || (before == u'-' && after == u'-') ||
-         (before == u'/' && after == u'*') || (before == u'*' && after == u'/');
+  // A sign after a word or number could make an exponent of it ("1e" and "-5": "1e-5").
+  return (wordish(before) && (wordish(after) || after == u'-')) ||
+         (before == u'-' && after == u'-') || (before == u'/' && after == u'*') ||
+         (before == u'*' && after == u'/') || (before == u'\'' && after == u'\'');
 }
 
 bool startsStatement(std::u16string_view word) {
@@ -154,9 +158,16 @@ std::u16string buildCriteria(std::u16string_view templateText, std::span<const V
   std::size_t placeholder = 0;
   int depth = 0;
   bool afterValue = false;
+  std::size_t copied = 0;  // the template's text up to here is in out
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     const embedded::Token& t = tokens[i];
     const std::u16string_view text = tokens.text(i);
+    // What lies between tokens: the N of an N'...' string, whose token begins at its quote.
+    if (t.begin > copied) {
+      append(out, templateText.substr(copied, t.begin - copied), afterValue);
+      afterValue = false;
+    }
+    copied = t.end;
     if (t.kind == embedded::Tok::Comment && text.starts_with(u"--")) {
       refuse("a \"--\" comment (character " + std::to_string(t.begin + 1) +
              ") would swallow what follows the criteria");
@@ -190,6 +201,7 @@ std::u16string buildCriteria(std::u16string_view templateText, std::span<const V
     append(out, text, afterValue);
     afterValue = false;
   }
+  append(out, templateText.substr(std::min<std::size_t>(copied, templateText.size())), afterValue);
   if (depth != 0) refuse("a \"(\" is not closed");
   if (placeholder < values.size()) {
     refuse(std::to_string(values.size()) + " values for " + std::to_string(placeholder) +

@@ -49,6 +49,9 @@ TEST(Criteria, ValuesAreWrittenAsTheStatementsWriteThem) {
       // Glued to the template's own text, a value stays a token of its own.
       {u"Weight > -?", {Variant(Long{-1})}, u"Weight > - -1"},
       {u"Weight > ?e5", {Variant(Long{1})}, u"Weight > 1 e5"},
+      {u"Code = '?'?", {Variant(u"a")}, u"Code = '?' 'a'"},  // not one string 'a''a'
+      {u"Name = N?", {Variant(u"\u4e2d")}, u"Name = N'\u4e2d'"},
+      {u"Name = N'?' OR Name = ?", {Variant(u"a")}, u"Name = N'?' OR Name = 'a'"},
       {u"Id IN (SELECT Id FROM T WHERE Code = ?)",
        {Variant(u"a")},
        u"Id IN (SELECT Id FROM T WHERE Code = 'a')"},
