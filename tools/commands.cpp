@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
@@ -13,7 +14,9 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "providers/embedded/tokenizer.hpp"
 #include "vrdppo/buffer.hpp"
+#include "vrdppo/criteria.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
@@ -192,6 +195,126 @@ void requireEffect(const ClassInfo& info, const char* operation, const PersistOb
     throw NothingDone(
         fmt::format("{}.{} changed no row: no row has {}", info.name, operation, which));
   }
+}
+
+// The kinds a --param may state before its value ("date:2019-03-07").
+constexpr std::array<std::pair<std::string_view, FieldType>, 5> kParamKinds{{
+    {"long", FieldType::Long},
+    {"double", FieldType::Double},
+    {"currency", FieldType::Currency},
+    {"date", FieldType::Date},
+    {"string", FieldType::String},
+}};
+
+// For each placeholder of the template, the field it is compared with: the nearest name of one
+// before it in its condition, else the nearest after it; null where its condition names none.
+std::vector<const Column*> comparedFields(const RecordLayout& layout, const std::u16string& where) {
+  std::vector<const Column*> fields;
+  try {
+    const embedded::Tokens tokens(where);
+    const auto columnAt = [&](std::size_t i) -> const Column* {
+      if (tokens[i].kind != embedded::Tok::Word && tokens[i].kind != embedded::Tok::Bracketed) {
+        return nullptr;
+      }
+      std::u16string_view name = tokens.text(i);
+      if (tokens[i].kind == embedded::Tok::Bracketed) name = name.substr(1, name.size() - 2);
+      return findColumn(layout, toUtf8(name));
+    };
+    // AND and OR end a condition, but for the AND of a BETWEEN.
+    const auto joinsConditions = [&](std::size_t i) {
+      if (tokens.isWord(i, u"OR")) return true;
+      if (!tokens.isWord(i, u"AND")) return false;
+      for (std::size_t k = i; k-- > 0;) {
+        if (tokens.isWord(k, u"BETWEEN")) return false;
+        if (tokens.isWord(k, u"AND") || tokens.isWord(k, u"OR")) return true;
+      }
+      return true;
+    };
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+      if (tokens[i].kind != embedded::Tok::Punct || tokens.text(i) != u"?") continue;
+      const Column* field = nullptr;
+      for (std::size_t k = i; k-- > 0 && field == nullptr && !joinsConditions(k);) {
+        field = columnAt(k);
+      }
+      for (std::size_t k = i + 1; k < tokens.size() && field == nullptr && !joinsConditions(k);
+           ++k) {
+        field = columnAt(k);
+      }
+      fields.push_back(field);
+    }
+  } catch (const Error&) {
+    // An unclosed quote or comment: the builder says so.
+  }
+  return fields;
+}
+
+// A --param's value: of the kind its text states, or else of the field it is compared with, read
+// as --set reads that field.
+Variant paramValue(const ClassInfo& info, const Column* field, std::size_t number,
+                   const std::string& text) {
+  std::string_view value = text;
+  std::optional<FieldType> kind;
+  if (const auto colon = value.find(':'); colon != std::string_view::npos) {
+    for (const auto& [name, type] : kParamKinds) {
+      if (equalsNoCase(fromUtf8(value.substr(0, colon)), fromUtf8(name))) {
+        kind = type;
+        value.remove_prefix(colon + 1);
+        break;
+      }
+    }
+  }
+  if (!kind && field == nullptr) {
+    throw std::invalid_argument(
+        fmt::format("--param {}: placeholder {} is compared with no field of {}: state its kind "
+                    "(long:, double:, currency:, date:, string:)",
+                    text, number, info.name));
+  }
+  Column c = field != nullptr ? *field : Column{};
+  if (kind && (field == nullptr || *kind != field->type)) {
+    const auto length = static_cast<std::uint16_t>(std::min<std::size_t>(value.size(), 32767));
+    c = Column{u"--param",   u"", *kind, 0, *kind == FieldType::String ? length : std::uint16_t{0},
+               Render::None, u""};
+  }
+  std::vector<std::byte> scratch(c.offset + std::max<std::size_t>(16, c.length * 2u));
+  try {
+    setFieldText(c, scratch.data(), value);
+  } catch (const std::invalid_argument& e) {
+    throw std::invalid_argument(
+        fmt::format("--param {} (placeholder {}): {}", text, number, e.what()));
+  }
+  return fieldValue(c, scratch.data());
+}
+
+// The criteria of --where with its --param values in their places, refused as a usage error
+// where the builder refuses it.
+std::u16string whereCriteria(const ClassInfo& info, const Options& o) {
+  const std::u16string where = fromUtf8(*o.where);
+  const auto fields = comparedFields(*info.layout, where);
+  std::vector<Variant> values;
+  for (std::size_t i = 0; i < o.params.size(); ++i) {
+    values.push_back(paramValue(info, i < fields.size() ? fields[i] : nullptr, i + 1, o.params[i]));
+  }
+  try {
+    return buildCriteria(where, values);
+  } catch (const Error& e) {
+    throw std::invalid_argument("--where: " + e.description());
+  }
+}
+
+// The options with --where's criteria as the member's sCriteria argument.
+Options withWhere(const ClassInfo& info, const Options& o) {
+  Options with = o;
+  if (!o.where) {
+    if (!o.params.empty()) throw std::invalid_argument("--param goes with --where");
+    return with;
+  }
+  for (const Assignment& a : o.args) {
+    if (equalsNoCase(fromUtf8(a.name), u"sCriteria")) {
+      throw std::invalid_argument("--where and --arg sCriteria both give the criteria");
+    }
+  }
+  with.args.push_back({"sCriteria", toUtf8(whereCriteria(info, o))});
+  return with;
 }
 
 }  // namespace
@@ -450,8 +573,9 @@ int showSql(const Options& o, std::ostream& out) {
   return 0;
 }
 
-int load(const Options& o, std::ostream& out) {
-  const ClassInfo& info = classNamed(className(o));
+int load(const Options& given, std::ostream& out) {
+  const ClassInfo& info = classNamed(className(given));
+  const Options o = withWhere(info, given);
   auto object = info.create();
   const MemberInfo* m = info.member("Load");
   const auto args = argumentsFor(info, *m, o, u"", connectionOf(o));
@@ -481,9 +605,31 @@ int commit(const Options& o, std::ostream& out) {
   return 0;
 }
 
-int remove(const Options& o, std::ostream& out) {
-  const ClassInfo& info = classNamed(className(o));
+int remove(const Options& given, std::ostream& out) {
+  const ClassInfo& info = classNamed(className(given));
   if (info.isView) throw std::invalid_argument(info.name + " reads a view: it has no Delete");
+  if (given.where) {
+    // The rows the criteria select, through the class's CriteriaDelete.
+    const MemberInfo* m = info.member("CriteriaDelete");
+    if (m == nullptr) {
+      throw std::invalid_argument(info.name + " has no CriteriaDelete: --where cannot delete");
+    }
+    const Options o = withWhere(info, given);
+    std::u16string state;
+    auto object = objectWithState(info, o, state);
+    const auto args = argumentsFor(info, *m, o, state, connectionOf(o));
+    resetLastRecordsAffected();
+    const Variant result = registry::invoke(*object, "CriteriaDelete", args);
+    if (result.type() == VarType::Boolean && !toBoolean(result)) {
+      throw NothingDone(info.name + ".CriteriaDelete answered False");
+    }
+    if (lastRecordsAffected() == 0) throw NothingDone("the criteria select no row");
+    out << "deleted";
+    if (lastRecordsAffected() > 0) out << ' ' << lastRecordsAffected();
+    out << "\n";
+    return 0;
+  }
+  const Options o = withWhere(info, given);
   std::u16string state;
   auto object = objectWithState(info, o, state);
   const Column& key = info.layout->columns.front();

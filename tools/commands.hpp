@@ -19,6 +19,8 @@ struct Options {
   std::vector<Assignment> args;
   std::optional<std::string> connect;
   std::optional<std::string> state;
+  std::optional<std::string> where;  // a criteria template with "?" placeholders
+  std::vector<std::string> params;   // their values, in order
   bool json = false;
   bool buffer = false;
   std::string program = "vrdppo";  // how the tool was run, for the commands it suggests

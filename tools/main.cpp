@@ -66,7 +66,8 @@ std::string joined(std::initializer_list<const char*> parts) {
 // What the options and arguments hold before they become the commands' Options.
 struct Raw {
   std::string className, operation, path, stateArgument, state, connect;
-  std::vector<std::string> sets, args;
+  std::vector<std::string> sets, args, params;
+  std::string where;
   bool json = false, buffer = false, trace = false;
 };
 
@@ -123,6 +124,8 @@ vrdppo::cli::Options options(const Raw& raw, const CLI::App& command, const char
   if (given(command, "STATE")) o.state = raw.stateArgument;
   o.json = raw.json;
   o.buffer = raw.buffer;
+  if (given(command, "--where")) o.where = raw.where;
+  o.params = raw.params;
   return o;
 }
 
@@ -167,6 +170,15 @@ int run(int argc, char** argv) {
       "a connection string; the default is the embedded store vrdppo.db in the working directory";
   const auto json = [&](CLI::App* c) {
     c->add_flag("--json", raw.json, "JSON, one object per record and line, instead of a table");
+  };
+  const auto where = [&](CLI::App* c, const char* what) {
+    c->add_option("--where", raw.where, what)->type_name("TEMPLATE");
+    c->add_option("--param", raw.params,
+                  "a value for the next \"?\" of --where (repeatable), read as a value of the "
+                  "field it is compared with is read in commit, or as its kind says: long:, "
+                  "double:, currency:, date:, string:")
+        ->allow_extra_args(false)
+        ->type_name("VALUE");
   };
   const auto trace = [&](CLI::App* c) {
     c->add_flag("--trace", raw.trace,
@@ -223,6 +235,9 @@ int run(int argc, char** argv) {
                           {kArguments, kConnection, kExitStatus});
     className(c);
     args(c);
+    where(c,
+          "criteria with \"?\" for each --param, the values written into it as the library "
+          "writes values (quotes doubled): the criteria argument, built safely");
     connect(c, kConnect);
     json(c);
     trace(c);
@@ -242,12 +257,15 @@ int run(int argc, char** argv) {
   }
   {
     CLI::App* c =
-        command("delete", "Delete the record whose key --set names; exit 3 when it changed no row",
+        command("delete",
+                "Delete the record whose key --set names, or with --where the rows the "
+                "criteria select (the class's CriteriaDelete); exit 3 when it changed no row",
                 [](const Options& o) { return remove(o, std::cout); },
                 {kFields, kArguments, kConnection, kStateText, kExitStatus});
     className(c);
     state(c, sets(c));
     args(c);
+    where(c, "criteria with \"?\" for each --param: the rows to delete, built safely");
     connect(c, kConnect);
     trace(c);
   }

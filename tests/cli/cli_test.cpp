@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -169,6 +170,53 @@ TEST(Cli, TraceShowsEachStatementOnStandardError) {
   EXPECT_EQ(failed.status, 1);
   EXPECT_NE(failed.err.find("WHERE NoSuchColumn = 1 -- failed: 42S22 "), std::string::npos)
       << failed.err;
+}
+
+// --where and --param: the criteria built from values, each read as its field or its stated kind.
+TEST(Cli, WhereBuildsTheCriteriaFromItsParams) {
+  const std::string store = storeOption("where.db");
+  for (const char* d : {"\"O'Neil; DROP TABLE STATION --\"", "plain"}) {
+    ASSERT_EQ(run("commit cStationPersist --set StationCode=S --set Description=" + std::string(d) +
+                  " " + store)
+                  .status,
+              0);
+  }
+  const Result hostile =
+      run("load cStationPersist --json --where 'Description = ?' --param "
+          "\"O'Neil; DROP TABLE STATION --\" " +
+          store);
+  ASSERT_EQ(hostile.status, 0) << hostile.err;
+  EXPECT_EQ(std::count(hostile.out.begin(), hostile.out.end(), '\n'), 1) << hostile.out;
+  EXPECT_NE(hostile.out.find("O'Neil; DROP TABLE STATION --"), std::string::npos);
+  const struct {
+    std::string args;
+    int status;
+    std::string says;  // on standard error, or "" for a success
+  } cases[] = {
+      {"load cStationPersist --where 'StationId BETWEEN ? AND ? AND ? > 0' --param 1 --param 9 "
+       "--param long:5",
+       0, ""},
+      {"load cStationPersist --where 'Description = ? AND ? > 0' --param plain --param 5", 2,
+       "placeholder 2 is compared with no field of cStationPersist: state its kind"},
+      {"load cStationPersist --where 'StationId = ?' --param abc", 2,
+       "--param abc (placeholder 1): StationId: \"abc\" is no Long"},
+      {"load cStationPersist --where 'Description = ? OR Description = ?' --param plain", 2,
+       "--where: Criteria: placeholder 2 (character 34): no value for it (1 given)"},
+      {"load cStationPersist --where 'StationId = 1; DROP TABLE STATION'", 2, "\";\""},
+      {"load cStationPersist --param 1", 2, "--param goes with --where"},
+      {"load cStationPersist --where 'StationId = ?' --param 1 --arg sCriteria=x", 2,
+       "--where and --arg sCriteria both give the criteria"},
+      {"delete cStationPersist --where 'Description = ?' --param plain", 0, ""},
+      {"delete cStationPersist --where 'Description = ?' --param nothing", 3, "select no row"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.args);
+    const Result r = run(c.args + " " + store);
+    EXPECT_EQ(r.status, c.status) << r.err;
+    if (!c.says.empty()) {
+      EXPECT_NE(r.err.find(c.says), std::string::npos) << r.err;
+    }
+  }
 }
 
 TEST(Cli, ClassesAndHelp) {
