@@ -216,6 +216,20 @@ VRDPPO_C_API void vrdppo_embedded_release(const char* path);
 VRDPPO_C_API int32_t vrdppo_check_schema(const char* connect, int32_t json, char** report,
                                          int32_t* problems, vrdppo_status* status);
 
+/* Criteria built from values, for a Load's or a CriteriaDelete's sCriteria (text that goes into
+ * the statement as it stands): the "?" placeholders of template_utf8 replaced, in order, by the
+ * values, each written as the library's statements write a value of its kind (a string quoted
+ * with its quotes doubled, a date as 'yyyy/MM/dd HH:MM:SS', a null as Null). A "?" inside a
+ * quoted string, a bracketed name or a comment is not a placeholder. Values are read as
+ * vrdppo_invoke reads its arguments. The text, UTF-8 and NUL-terminated, goes to
+ * *criteria_utf8, freed with vrdppo_free. Refused with error 5 and *criteria_utf8 NULL, the
+ * description naming the placeholder or what is wrong: too few or too many values; a value with
+ * no SQL form (empty, missing, boolean, a date before 1753, a double that is not finite, a
+ * string holding U+0000 or a lone surrogate); a template that is not one expression (a ";", a
+ * word that begins another statement, a "--" comment, unbalanced parentheses or quotes). */
+VRDPPO_C_API int32_t vrdppo_criteria(const char* template_utf8, const vrdppo_value* values,
+                                     int32_t count, char** criteria_utf8, vrdppo_status* status);
+
 /* What the library sends, told to an observer the caller installs (vrdppo_observer_set). The
  * names follow the common tracing conventions for database calls. Every string is UTF-8 and
  * lives only during the call that hands it over. */

@@ -367,6 +367,62 @@ class Requests(Store):
         self.assertEqual(layout.encode({}, base=odd.text()), odd)
 
 
+class Criteria(Store):
+    def test_a_hostile_value_selects_exactly_its_row(self):
+        stations = vrdppo.create("cStationPersist")
+        layout = stations.layout
+        descriptions = ["x' OR '1'='1", "]; DROP TABLE STATION --", "O'Neil", "plain"]
+        for d in descriptions:
+            self.assertTrue(stations.Commit(layout.encode({"Description": d, "StationCode": "S"}),
+                                            self.connect))
+        for d in descriptions:
+            with self.subTest(description=d):
+                built = vrdppo.criteria("Description = ? AND StationCode = ?", d, "S")
+                rows = layout.decode_buffer(stations.Load(built, self.connect, 0))
+                self.assertEqual([r["Description"] for r in rows], [d])
+        # Glued by hand, the value's quote ends the string and its OR selects every row.
+        glued = layout.decode_buffer(stations.Load(f"Description = '{descriptions[0]}'",
+                                                   self.connect, 0))
+        self.assertEqual(len(glued), len(descriptions))
+
+    def test_values_go_as_arguments_do_and_what_has_no_sql_form_is_refused(self):
+        built = [
+            ("a = ?", [7], "a = 7"),
+            ("a = ?", [2**40], "a = 1099511627776"),
+            ("a = ?", [12.5], "a = 12.5"),
+            ("a = ?", [decimal.Decimal("-1.50")], "a = -1.50"),
+            ("a = ?", [datetime.datetime(2019, 3, 7, 14, 5, 9)], "a = '2019/03/07 14:05:09'"),
+            ("a = ?", [datetime.date(2019, 3, 7)], "a = '2019/03/07 00:00:00'"),
+            ("a IS ?", [None], "a IS Null"),
+            ("a = ?", ["\u00e9\U0001F600"], "a = '\u00e9\U0001F600'"),
+        ]
+        for template, values, expected in built:
+            with self.subTest(values=values):
+                self.assertEqual(vrdppo.criteria(template, *values), expected)
+        refused = [
+            ("a = ?", [True], "placeholder 1 (character 5): a value of type Boolean"),
+            ("a = ?", [1, 2], "2 values for 1 placeholders"),
+            ("a = ? AND b = ?", [1], "placeholder 2"),
+            ("a = ?", [float("nan")], "not a finite number"),
+            ("a = ?", ["x\0y"], "U+0000"),
+            ("a = ?", ["\ud800"], "lone surrogate"),
+            ("a = ?", [vrdppo.MISSING], "placeholder 1"),
+            ("a = 1; DROP TABLE STATION", [], '";"'),
+        ]
+        for template, values, says in refused:
+            with self.subTest(template=template, values=values):
+                with self.assertRaises(vrdppo.Error) as caught:
+                    vrdppo.criteria(template, *values)
+                self.assertEqual(caught.exception.number, 5)
+                self.assertIn(says, caught.exception.description)
+        for template, values, error in (("a = ?", [object()], TypeError),
+                                        ("a = ?", [2**64], ValueError),
+                                        ("a = ?\0", [1], ValueError), (None, [], TypeError)):
+            with self.subTest(template=template, values=values):
+                with self.assertRaises(error):
+                    vrdppo.criteria(template, *values)
+
+
 def _tool_state(text):
     """The command-line tool's state text (a JSON string's body) as a State, unit by unit: a
     JSON reader would join an escaped surrogate pair into one character."""

@@ -32,7 +32,7 @@ State.__module__ = __name__
 
 __all__ = ["Error", "UnknownClass", "MissingArgument", "MISSING", "State", "Layout", "Persist",
            "classes", "create", "layout", "session", "set_session", "last_records_affected",
-           "embedded_connect_string", "open_store", "release_store", "check",
+           "embedded_connect_string", "open_store", "release_store", "check", "criteria",
            "StatementEvent", "SessionEvent", "set_observer", "pool_figures", "version",
            "__version__"]
 
@@ -747,6 +747,38 @@ def check(connect, text=False):
     finally:
         _lib.vrdppo_free(report)
     return out if text else _json.loads(out)
+
+
+def criteria(template, *values):
+    """A criteria text (a Load's or a CriteriaDelete's sCriteria) of a template whose "?"
+    placeholders are replaced, in order, by the values, each written as the library's statements
+    write a value of its kind, so that no value can change what the statement does:
+
+        stems.Load(vrdppo.criteria("ProductionRunId = ? AND GradeCode = ?", 77, "A'B"), connect)
+
+    Values go as a method's arguments do: int, float, decimal.Decimal, datetime or date, str,
+    None (Null). Raises Error, number 5 and naming the placeholder, for too few or too many
+    values, a value with no SQL form (a bool, a NaN, a date before 1753, a str holding NUL), or
+    a template that is not one expression (a ";", a "--" comment, a second statement)."""
+    if not isinstance(template, str):
+        raise TypeError(f"a criteria template is a str, not {type(template).__name__}")
+    if "\0" in template:
+        raise ValueError("a criteria template has no NUL character")
+    keep = []
+    converted = []
+    for number, value in enumerate(values, 1):
+        try:
+            converted.append(_to_value(value, keep))
+        except (TypeError, ValueError) as e:
+            raise type(e)(f"criteria: value {number}: {e}") from None
+    array = (_capi.Value * max(len(converted), 1))(*converted)
+    text = _ctypes.c_void_p()
+    _check(_lib.vrdppo_criteria, template.encode(), array,
+           len(converted), _ctypes.byref(text))
+    try:
+        return _ctypes.string_at(text.value).decode("utf-8")
+    finally:
+        _lib.vrdppo_free(text)
 
 
 def _optional_text(p):

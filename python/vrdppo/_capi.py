@@ -147,6 +147,7 @@ def _declare(lib):
         "vrdppo_value_clear": (i32, [p(Value), status]),
         "vrdppo_status_clear": (None, [status]),
         "vrdppo_check_schema": (i32, [ctypes.c_char_p, i32, p(ctypes.c_void_p), p(i32), status]),
+        "vrdppo_criteria": (i32, [ctypes.c_char_p, p(Value), i32, p(ctypes.c_void_p), status]),
         "vrdppo_observer_set": (i32, [i32, StatementObserver, SessionObserver, ctypes.c_void_p,
                                       status]),
         "vrdppo_pool_figures": (i32, [p(ctypes.c_void_p), status]),

@@ -13,6 +13,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "vrdppo/criteria.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/embedded_store.hpp"
 #include "vrdppo/error.hpp"
@@ -342,6 +343,19 @@ std::vector<Variant> argumentsOf(const vrdppo_value* args, std::int32_t count) {
   out.reserve(static_cast<std::size_t>(count));
   for (std::int32_t i = 0; i < count; ++i) out.push_back(fromValue(args[i]));
   return out;
+}
+
+// Whether a text holds a surrogate that is not half of a pair.
+bool hasLoneSurrogate(std::u16string_view s) {
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    if (s[i] >= 0xD800 && s[i] <= 0xDBFF && i + 1 < s.size() && s[i + 1] >= 0xDC00 &&
+        s[i + 1] <= 0xDFFF) {
+      ++i;
+    } else if (s[i] >= 0xD800 && s[i] <= 0xDFFF) {
+      return true;
+    }
+  }
+  return false;
 }
 
 Error notAnObject() {
@@ -800,6 +814,27 @@ int32_t vrdppo_check_schema(const char* connect, int32_t json, char** report, in
     const vrdppo::SchemaReport r = vrdppo::checkSchema(vrdppo::fromUtf8(connect));
     if (problems != nullptr) *problems = r.problems();
     if (report != nullptr) *report = copyText(json != 0 ? r.json() : r.text());
+  });
+}
+
+int32_t vrdppo_criteria(const char* template_utf8, const vrdppo_value* values, int32_t count,
+                        char** criteria_utf8, vrdppo_status* status) {
+  if (criteria_utf8 != nullptr) *criteria_utf8 = nullptr;
+  return guarded(status, [&] {
+    requireOut(criteria_utf8);
+    if (template_utf8 == nullptr) throw invalidArgument("the template is NULL");
+    const std::vector<Variant> v = argumentsOf(values, count);
+    // UTF-8 cannot carry a lone surrogate: it would come out as U+FFFD, another value.
+    for (std::size_t i = 0; i < v.size(); ++i) {
+      if (v[i].type() == VarType::String && hasLoneSurrogate(v[i].str())) {
+        throw Error(vrdppo::err::kInvalidCall,
+                    "Criteria: placeholder " + std::to_string(i + 1) +
+                        ": a string holding a lone surrogate, which UTF-8 cannot carry",
+                    "vrdppo.criteria");
+      }
+    }
+    const std::u16string built = vrdppo::buildCriteria(vrdppo::fromUtf8(template_utf8), v);
+    *criteria_utf8 = copyText(vrdppo::toUtf8(built));
   });
 }
 

@@ -365,6 +365,72 @@ TEST(CInterfaceValues, TextOfAValue) {
   EXPECT_EQ(vrdppo_value_text(nullptr, nullptr), nullptr);
 }
 
+// Values travel as an invoke's arguments do; a refusal is a status naming its place, with no text.
+TEST(CInterfaceCriteria, BuiltOrRefusedAsAStatus) {
+  vrdppo_value dbl{};
+  dbl.type = VRDPPO_DOUBLE;
+  dbl.u.dbl = 12.5;
+  vrdppo_value date{};
+  date.type = VRDPPO_DATE;
+  date.u.dbl = makeDate(2019, 3, 7, 14, 5, 9).days;
+  vrdppo_value null{};
+  null.type = VRDPPO_NULL;
+  vrdppo_value boolean{};
+  boolean.type = VRDPPO_BOOLEAN;
+  boolean.u.boolean = 1;
+  const std::u16string wide = u"\u00e9\U0001F600";
+  const std::u16string nul(u"x\0y", 3);
+  const std::u16string lone(1, char16_t{0xD800});
+  const struct {
+    const char* templ;
+    std::vector<vrdppo_value> values;
+    int32_t number;
+    std::string text;  // the criteria, or a piece of the refusal's description
+  } cases[] = {
+      {"Code = ? AND Weight > ?", {str8("O'N"), dbl}, 0, "Code = 'O''N' AND Weight > 12.5"},
+      {"StationId = ? AND SampleTime >= ? AND Note IS ?",
+       {lng(7), date, null},
+       0,
+       "StationId = 7 AND SampleTime >= '2019/03/07 14:05:09' AND Note IS Null"},
+      {"Name = ?", {str16(wide)}, 0, "Name = '\xc3\xa9\xf0\x9f\x98\x80'"},
+      {"a = ? AND b = ?", {lng(1)}, err::kInvalidCall, "placeholder 2"},
+      {"a = ?",
+       {str16(nul)},
+       err::kInvalidCall,
+       "placeholder 1 (character 5): a string holding U+0000"},
+      {"a = ?",
+       {str16(lone)},
+       err::kInvalidCall,
+       "placeholder 1: a string holding a lone surrogate"},
+      {"a = ?", {boolean}, err::kInvalidCall, "type Boolean"},
+      {"a = 1; DROP TABLE STEMS", {}, err::kInvalidCall, "\";\" (character 6)"},
+      {nullptr, {}, err::kInvalidCall, "the template is NULL"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.templ == nullptr ? "NULL" : c.templ);
+    Status st;
+    char mark = 0;
+    char* out = &mark;
+    const int32_t rc =
+        vrdppo_criteria(c.templ, c.values.data(), static_cast<int32_t>(c.values.size()), &out, &st);
+    EXPECT_EQ(rc, c.number);
+    EXPECT_EQ(st.number, c.number);
+    if (c.number == 0) {
+      ASSERT_NE(out, nullptr);
+      EXPECT_EQ(std::string(out), c.text);
+      vrdppo_free(out);
+    } else {
+      EXPECT_EQ(out, nullptr);
+      EXPECT_NE(st.text().find(c.text), std::string::npos) << st.text();
+    }
+  }
+  Status st;
+  EXPECT_EQ(vrdppo_criteria("a = ?", nullptr, 1, nullptr, &st), err::kInvalidCall);
+  char* out = nullptr;
+  EXPECT_EQ(vrdppo_criteria("a = ?", nullptr, 1, &out, &st), err::kInvalidCall);
+  EXPECT_EQ(out, nullptr);
+}
+
 // What a caller in another language gets wrong: a handle released twice or called after its
 // release, a string of its own handed to vrdppo_value_clear. Each is a status, never a crash.
 TEST(CInterfaceMisuse, HandlesAndStringsAreCheckedNotFollowed) {
