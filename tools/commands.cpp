@@ -275,7 +275,7 @@ Variant paramValue(const ClassInfo& info, const Column* field, std::size_t numbe
     c = Column{u"--param",   u"", *kind, 0, *kind == FieldType::String ? length : std::uint16_t{0},
                Render::None, u""};
   }
-  std::vector<std::byte> scratch(c.offset + std::max<std::size_t>(16, c.length * 2u));
+  std::vector<std::byte> scratch(c.offset + std::max<std::size_t>(16, std::size_t{c.length} * 2));
   try {
     setFieldText(c, scratch.data(), value);
   } catch (const std::invalid_argument& e) {

@@ -83,7 +83,7 @@ std::u16string literal(const Variant& v, std::string& why) {
     case VarType::Currency:
       return currencyText(v.cur());
     case VarType::Decimal: {
-      const std::u16string text = fromUtf8(v.decimal().text);
+      std::u16string text = fromUtf8(v.decimal().text);
       std::size_t i = !text.empty() && text[0] == u'-' ? 1 : 0;
       bool digits = false;
       bool point = false;
