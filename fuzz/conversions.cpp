@@ -12,12 +12,6 @@ using namespace vrdppo;
 
 namespace {
 
-#define check(ok) ((ok) ? void() : fail(#ok, __LINE__))
-[[noreturn]] void fail(const char* what, int line) {
-  std::fprintf(stderr, "line %d: %s does not hold\n", line, what);
-  std::abort();
-}
-
 void text(const std::u16string& s) {
   const std::optional<Date> tried = tryParseDate(s);
   Date parsed{};

@@ -13,12 +13,6 @@ using namespace vrdppo;
 
 namespace {
 
-#define check(ok) ((ok) ? void() : fail(#ok, __LINE__))
-[[noreturn]] void fail(const char* what, int line) {
-  std::fprintf(stderr, "line %d: %s does not hold\n", line, what);
-  std::abort();
-}
-
 Variant value(fuzz::Input& in) {
   switch (in.byte() % 7) {
     case 0:

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -48,6 +50,14 @@ class Input {
   std::size_t size_;
   std::size_t pos_ = 0;
 };
+
+// A property a harness checks: when it does not hold, its line is named and the process aborts,
+// which the fuzzer reports with the input.
+[[noreturn]] inline void fail(const char* what, int line) {
+  std::fprintf(stderr, "line %d: %s does not hold\n", line, what);
+  std::abort();
+}
+#define check(ok) ((ok) ? void() : ::vrdppo::fuzz::fail(#ok, __LINE__))
 
 // Runs f; the library's own numbered error is an answer, anything else escapes to the fuzzer.
 template <class F>

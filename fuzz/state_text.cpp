@@ -15,12 +15,6 @@ using namespace vrdppo;
 
 namespace {
 
-#define check(ok) ((ok) ? void() : fail(#ok, __LINE__))
-[[noreturn]] void fail(const char* what, int line) {
-  std::fprintf(stderr, "line %d: %s does not hold\n", line, what);
-  std::abort();
-}
-
 std::size_t fieldBytes(const Column& c) {
   return c.type == FieldType::String ? 2u * c.length : c.type == FieldType::Long ? 4u : 8u;
 }

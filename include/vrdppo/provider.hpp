@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vrdppo/observer.hpp"
 #include "vrdppo/recordset.hpp"
@@ -156,6 +157,10 @@ std::int64_t lastRecordsAffected() noexcept;
 void resetLastRecordsAffected() noexcept;
 // Puts back a figure read earlier: what an observer's own statements changed.
 void restoreLastRecordsAffected(std::int64_t figure) noexcept;
+
+// The "key=value" pairs of a connection string in order, each as written: a pair ends at the first
+// ";" outside braces, and "}}" within braces is a brace. Joined with ";" they give the string back.
+std::vector<std::u16string_view> connectionPairs(std::u16string_view connect);
 
 // The value of a key in a "key=value;key=value" connection string (keys without regard to case,
 // braces around a value removed); empty when absent.

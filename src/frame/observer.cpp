@@ -187,24 +187,10 @@ const ParsedTarget& targetOf(std::u16string_view connect) {
 
 std::u16string maskPasswords(std::u16string_view connect) {
   std::u16string out;
-  std::size_t i = 0;
-  while (i <= connect.size()) {
-    // A pair ends at the first ";" outside braces; "}}" is a brace within them.
-    std::size_t end = i;
-    bool braced = false;
-    while (end < connect.size() && (braced || connect[end] != u';')) {
-      if (!braced && connect[end] == u'{') {
-        braced = true;
-      } else if (braced && connect[end] == u'}') {
-        if (end + 1 < connect.size() && connect[end + 1] == u'}') {
-          ++end;
-        } else {
-          braced = false;
-        }
-      }
-      ++end;
-    }
-    const std::u16string_view pair = connect.substr(i, end - i);
+  bool first = true;
+  for (const std::u16string_view pair : connectionPairs(connect)) {
+    if (!first) out += u';';
+    first = false;
     const std::size_t eq = pair.find(u'=');
     const auto name = trimBlanks(pair.substr(0, eq));
     if (eq != std::u16string_view::npos &&
@@ -213,9 +199,6 @@ std::u16string maskPasswords(std::u16string_view connect) {
     } else {
       out.append(pair);
     }
-    if (end >= connect.size()) break;
-    out += u';';
-    i = end + 1;
   }
   return out;
 }

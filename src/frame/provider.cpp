@@ -282,6 +282,30 @@ int Connection::State() const noexcept {
   return open_ ? adStateOpen : adStateClosed;
 }
 
+std::vector<std::u16string_view> connectionPairs(std::u16string_view connect) {
+  std::vector<std::u16string_view> pairs;
+  std::size_t i = 0;
+  for (;;) {
+    std::size_t end = i;
+    bool braced = false;
+    while (end < connect.size() && (braced || connect[end] != u';')) {
+      if (!braced && connect[end] == u'{') {
+        braced = true;
+      } else if (braced && connect[end] == u'}') {
+        if (end + 1 < connect.size() && connect[end + 1] == u'}') {
+          ++end;
+        } else {
+          braced = false;
+        }
+      }
+      ++end;
+    }
+    pairs.push_back(connect.substr(i, end - i));
+    if (end >= connect.size()) return pairs;
+    i = end + 1;
+  }
+}
+
 std::u16string connectionValue(std::u16string_view connect, std::u16string_view key) {
   std::size_t pos = 0;
   while (pos <= connect.size()) {

@@ -65,31 +65,14 @@ constexpr std::array<std::u16string_view, 3> kProviderKeys{kPoolingKey, kLoginTi
 // The connection string without the provider's own keys, whatever their case or place.
 std::u16string forTheDriver(std::u16string_view connect) {
   std::u16string out;
-  std::size_t i = 0;
-  while (i < connect.size()) {
-    // A value in braces may hold ";": the pair ends at the first ";" after its closing brace.
-    std::size_t end = i;
-    bool braced = false;
-    while (end < connect.size() && connect[end] != u';') {
-      if (connect[end] == u'{') braced = true;
-      if (braced && connect[end] == u'}') {
-        if (end + 1 < connect.size() && connect[end + 1] == u'}') {
-          ++end;
-        } else {
-          braced = false;
-        }
-      }
-      ++end;
-    }
-    const std::u16string_view pair = connect.substr(i, end - i);
+  for (const std::u16string_view pair : connectionPairs(connect)) {
     const std::u16string_view name = trimBlanks(pair.substr(0, pair.find(u'=')));
     const bool own = std::any_of(kProviderKeys.begin(), kProviderKeys.end(),
                                  [&](std::u16string_view key) { return equalsNoCase(name, key); });
-    if (!own) {
+    if (!own && !trimBlanks(pair).empty()) {
       if (!out.empty()) out += u';';
       out += pair;
     }
-    i = end + 1;
   }
   return out;
 }
