@@ -259,6 +259,9 @@ bool TableObject::Commit(const std::u16string& sBuffer, const std::u16string& sC
   const auto rs = dbHelp::OpenRecordset(sql);
   setKey(toLong(rs->Fields(u"Identity")));
   rs->Close();
+  // A driver counts no rows for a statement whose result is a row set (the identity), but the
+  // identity says the row was made.
+  if (lastRecordsAffected() < 0) restoreLastRecordsAffected(1);
   return true;
 }
 

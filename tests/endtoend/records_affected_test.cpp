@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "endtoend/store_fixture.hpp"
+#include "support/scripted_provider.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/production/stems.hpp"
 #include "vrdppo/provider.hpp"
@@ -42,6 +43,17 @@ TEST_F(RecordsAffected, CommitAndDeleteOfTheStore) {
       {"delete again", [&] { return stems.Delete(stem(key, 0), connect); }, 0},
   };
   for (const auto& c : cases) EXPECT_EQ(affectedBy(c.operation), c.rows) << c.what;
+}
+
+// A provider that cannot count the rows of the insert procedure's call (a server's driver: its
+// result is the identity's row set) still gives 1 for an insert whose identity came back.
+TEST(RecordsAffectedOfAnInsert, IsOneWhereTheIdentityCameBack) {
+  ScriptedProvider db;
+  db.answerRows(u"sp_InsertStatement", {u"Identity"}, {{Long{41}}});
+  cStemsPersist stems;
+  resetLastRecordsAffected();
+  ASSERT_TRUE(stems.Commit(stem(0, 1.5), u"DSN=plant"));
+  EXPECT_EQ(lastRecordsAffected(), 1);
 }
 
 TEST_F(RecordsAffected, TheConnectionCountsEachExecute) {
