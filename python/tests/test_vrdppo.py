@@ -61,8 +61,10 @@ class Catalogue(unittest.TestCase):
         self.assertEqual((row["StemsId"], row["TotalNetWeight"], row["ProductionRunId"]),
                          (7, 12.5, 77))
         self.assertEqual(layout.encode(row), state)  # the trailing key name comes from the base
-        with self.assertRaises(KeyError):
+        with self.assertRaises(ValueError) as refused:
             layout.encode({"NoSuchColumn": 1})
+        self.assertIsInstance(refused.exception, KeyError)
+        self.assertEqual(str(refused.exception), "cStemsPersist has no column NoSuchColumn")
         with self.assertRaises(ValueError):
             layout.decode(state[:-1])
 
@@ -349,6 +351,18 @@ class Requests(Store):
         self.assertEqual(vrdppo.State(saved.units()), saved)
 
     def test_rows_as_a_data_frame(self):
+        layout = vrdppo.layout("cStemsPersist")
+        import sys
+        saved = sys.modules.get("pandas")
+        sys.modules["pandas"] = None  # as if it were not installed
+        try:
+            with self.assertRaisesRegex(ModuleNotFoundError, "dataframe needs pandas"):
+                layout.dataframe(b"")
+        finally:
+            if saved is None:
+                del sys.modules["pandas"]
+            else:
+                sys.modules["pandas"] = saved
         try:
             import pandas  # noqa: F401
         except ImportError:

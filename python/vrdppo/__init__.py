@@ -30,7 +30,7 @@ from ._version import __version__
 
 State.__module__ = __name__
 
-__all__ = ["Error", "UnknownClass", "MissingArgument", "MISSING", "State", "Layout", "Persist",
+__all__ = ["Error", "UnknownClass", "UnknownColumn", "MissingArgument", "MISSING", "State", "Layout", "Persist",
            "classes", "create", "layout", "session", "set_session", "last_records_affected",
            "embedded_connect_string", "open_store", "release_store", "check", "criteria",
            "StatementEvent", "SessionEvent", "set_observer", "pool_figures", "version",
@@ -210,6 +210,14 @@ _TYPE_NAMES = {_capi.FIELD_LONG: "Long", _capi.FIELD_DOUBLE: "Double",
                _capi.FIELD_CURRENCY: "Currency", _capi.FIELD_DATE: "Date"}
 
 
+class UnknownColumn(ValueError, KeyError):
+    """A field name the class's record does not have: a ValueError, as every refused field is,
+    and a KeyError, as a missing name in a dict is."""
+
+    def __str__(self):
+        return str(self.args[0]) if self.args else ""
+
+
 class Column:
     def __init__(self, info):
         self.name = _text(info.read_name)
@@ -314,7 +322,13 @@ class Layout:
 
     def dataframe(self, state):
         """A Buffer state as a pandas DataFrame, a column a field (pandas must be installed)."""
-        import pandas
+        try:
+            import pandas
+        except ImportError:
+            raise ModuleNotFoundError(
+                f"{self.class_name}.dataframe needs pandas, which is not installed "
+                "(pip install pandas); decode_buffer gives the same rows as dicts",
+                name="pandas") from None
         return pandas.DataFrame(self.decode_buffer(state),
                                 columns=[c.name for c in self.columns])
 
@@ -329,7 +343,7 @@ class Layout:
         for name, value in fields.items():
             c = self._by_name.get(str(name).lower())
             if c is None:
-                raise KeyError(f"{self.class_name} has no column {name}")
+                raise UnknownColumn(f"{self.class_name} has no column {name}")
             self._put(c, data, value)
         return State._of(bytes(data))
 

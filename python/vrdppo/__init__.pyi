@@ -45,6 +45,9 @@ class State:
     def text(self) -> str: ...
 
 
+class UnknownColumn(ValueError, KeyError): ...
+
+
 class Column:
     name: str
     write_name: str
