@@ -108,6 +108,11 @@ def main():
     parser.add_argument("--filter", default=".",
                         help="only the benchmarks whose names match (the rest: 'not run')")
     args = parser.parse_args()
+    if not os.access(args.binary, os.X_OK):
+        print(f"ratios.py: no benchmark program at {args.binary}; build it with\n"
+              "  cmake --preset release && cmake --build --preset release --target vrdppo_bench",
+              file=sys.stderr)
+        return 2
     medians, skipped = run(args.binary, args.repetitions, args.filter)
     print("| Ratio | Measured | Goal | Met |")
     print("|---|---|---|---|")
