@@ -12,9 +12,11 @@
 #include <CLI/CLI.hpp>
 
 #include "commands.hpp"
+#include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/observer.hpp"
 #include "vrdppo/odbc_pool.hpp"
+#include "vrdppo/text.hpp"
 #include "vrdppo/vrdppo.h"
 
 namespace {
@@ -61,6 +63,17 @@ std::string joined(std::initializer_list<const char*> parts) {
   // Each part starts on a line of its own; a blank line goes between them.
   for (const char* p : parts) out += out.empty() ? std::string(p + 1) : "\n" + std::string(p);
   return out;
+}
+
+// Which build this is: its version and build type, and what the build compiled in (the default
+// connection string, its password masked, the application name and the audit trail id).
+std::string versionText() {
+  std::string text = std::string("vrdppo ") + vrdppo_version() + " (" + VRDPPO_BUILD_TYPE + ")";
+  text += "\ndefault connection: " +
+          vrdppo::toUtf8(vrdppo::observe::maskPasswords(vrdppo::dbHelp::DefaultConnectString()));
+  text += "\napplication name: " + vrdppo::toUtf8(vrdppo::dbHelp::AppName) +
+          "; audit trail id: " + std::to_string(vrdppo::dbHelp::AuditTrailId);
+  return text;
 }
 
 // What the options and arguments hold before they become the commands' Options.
@@ -135,7 +148,7 @@ int run(int argc, char** argv) {
   CLI::App app("vrdppo: the persistence library from a shell.", "vrdppo");
   app.footer(joined({kCommands, kFields, kArguments, kConnection, kStateText, kExitStatus}));
   app.require_subcommand(1);
-  app.set_version_flag("--version", std::string("vrdppo ") + vrdppo_version());
+  app.set_version_flag("--version", versionText());
 
   using Run = std::function<int(const Options&)>;
   std::vector<std::pair<CLI::App*, Run>> commands;

@@ -386,6 +386,11 @@ TEST(Cli, TheNewcomersRoad) {
   const Result version = run("--version");
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(version.out.rfind("vrdppo 0.", 0), 0u) << version.out;
+  // Which build: its type and what it compiled in, the password masked.
+  EXPECT_NE(version.out.find(")\ndefault connection: DRIVER={SQL Server};"), std::string::npos)
+      << version.out;
+  EXPECT_NE(version.out.find("PWD=***"), std::string::npos) << version.out;
+  EXPECT_NE(version.out.find("audit trail id: "), std::string::npos) << version.out;
   // A read makes no store.
   const Result missing = run("load cStemsPersist " + storeOption("nowhere.db"));
   EXPECT_EQ(missing.status, 2);
