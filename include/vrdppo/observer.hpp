@@ -106,6 +106,11 @@ bool active() noexcept;
 // Tell this thread's observer and the process's; what they raise is dropped.
 void tell(const StatementEvent& event) noexcept;
 void tell(const SessionEvent& event) noexcept;
+// Tells of a statement sent on a connection made with `connect`, begun at `start`: the event built
+// from them, the target read once per thread's string. Call only while active().
+void tellStatement(std::u16string_view connect, std::string_view system, std::u16string_view sql,
+                   std::chrono::steady_clock::time_point start, std::int64_t returnedRows,
+                   std::int64_t affectedRows, SessionOrigin session, const Error* error) noexcept;
 // At process exit, before the library's statics go: nothing is told after it.
 void silence() noexcept;
 

@@ -23,6 +23,9 @@ std::u16string_view trimBlanks(std::u16string_view s) noexcept;
 std::u16string upperAscii(std::u16string_view s);
 std::string upperAscii(std::string_view s);
 
+// A UTF-8 text as a JSON string, quotes included, appended to out.
+void appendJsonString(std::string& out, std::string_view utf8);
+
 // Case-insensitive comparison of ASCII letters, as the classes compare names.
 bool equalsNoCase(std::u16string_view a, std::u16string_view b) noexcept;
 

@@ -522,31 +522,13 @@ class CObserver final : public vrdppo::Observer {
   bool retired_ = false;
 };
 
-void appendJsonString(std::string& out, std::string_view s) {
-  out += '"';
-  for (const char c : s) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      static constexpr char kHex[] = "0123456789abcdef";
-      out += "\\u00";
-      out += kHex[(static_cast<unsigned char>(c) >> 4U) & 0xFU];
-      out += kHex[static_cast<unsigned char>(c) & 0xFU];
-    } else {
-      out += c;
-    }
-  }
-  out += '"';
-}
-
 std::string poolFiguresJson(const vrdppo::odbc::PoolFigures& f) {
   std::string out = "{\"idle\": " + std::to_string(f.idle) +
                     ", \"in_use\": " + std::to_string(f.inUse) + ", \"connections\": [";
   for (std::size_t i = 0; i < f.strings.size(); ++i) {
     const auto& s = f.strings[i];
     out += i == 0 ? "{\"connection\": " : ", {\"connection\": ";
-    appendJsonString(out, vrdppo::toUtf8(s.connection));
+    vrdppo::appendJsonString(out, vrdppo::toUtf8(s.connection));
     out +=
         ", \"idle\": " + std::to_string(s.idle) + ", \"in_use\": " + std::to_string(s.inUse) + "}";
   }
@@ -556,7 +538,7 @@ std::string poolFiguresJson(const vrdppo::odbc::PoolFigures& f) {
   // Every cause, zeros too, so that a reader finds each key; "none" is no logout.
   for (std::size_t k = 1; k < f.logouts.size(); ++k) {
     if (k > 1) out += ", ";
-    appendJsonString(out, vrdppo::logoutCauseName(static_cast<vrdppo::LogoutCause>(k)));
+    vrdppo::appendJsonString(out, vrdppo::logoutCauseName(static_cast<vrdppo::LogoutCause>(k)));
     out += ": " + std::to_string(f.logouts[k]);
   }
   out += "}, \"login_time_ns\": " + std::to_string(f.loginTime.count()) + "}";

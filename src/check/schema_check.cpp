@@ -533,30 +533,6 @@ class Checker {
   std::set<std::string> sources_, columns_, procedures_, checked_;
 };
 
-void appendJsonString(std::string& out, std::string_view s) {
-  out += '"';
-  for (const char c : s) {
-    switch (c) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20) {
-          out += fmt::format("\\u{:04x}", static_cast<unsigned char>(c));
-        } else {
-          out += c;
-        }
-    }
-  }
-  out += '"';
-}
-
 }  // namespace
 
 std::int32_t SchemaReport::problems() const noexcept {

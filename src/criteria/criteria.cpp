@@ -18,15 +18,14 @@ namespace {
 // Words that begin a statement of their own: outside parentheses, where a criteria's expression
 // cannot hold them, they would make the text a second statement. Inside, SELECT begins a
 // subquery, which an expression may hold.
-constexpr std::array<std::u16string_view, 37> kStatementWords{
-    u"ALTER",     u"BACKUP",   u"BEGIN",  u"BREAK",   u"BULK",       u"CHECKPOINT", u"CLOSE",
-    u"COMMIT",    u"CONTINUE", u"CREATE", u"DBCC",    u"DEALLOCATE", u"DECLARE",    u"DELETE",
-    u"DENY",      u"DROP",     u"EXEC",   u"EXECUTE", u"FETCH",      u"GO",         u"GOTO",
-    u"GRANT",     u"IF",       u"INSERT", u"KILL",    u"MERGE",      u"OPEN",       u"PRINT",
-    u"RAISERROR", u"RESTORE",  u"RETURN", u"REVOKE",  u"ROLLBACK",   u"SAVE",       u"SELECT",
-    u"SET",       u"SHUTDOWN"};
-constexpr std::array<std::u16string_view, 7> kMoreStatementWords{
-    u"TRUNCATE", u"UPDATE", u"USE", u"WAITFOR", u"WHILE", u"THROW", u"RECONFIGURE"};
+constexpr std::array<std::u16string_view, 44> kStatementWords{
+    u"ALTER",     u"BACKUP",      u"BEGIN",    u"BREAK",   u"BULK",       u"CHECKPOINT", u"CLOSE",
+    u"COMMIT",    u"CONTINUE",    u"CREATE",   u"DBCC",    u"DEALLOCATE", u"DECLARE",    u"DELETE",
+    u"DENY",      u"DROP",        u"EXEC",     u"EXECUTE", u"FETCH",      u"GO",         u"GOTO",
+    u"GRANT",     u"IF",          u"INSERT",   u"KILL",    u"MERGE",      u"OPEN",       u"PRINT",
+    u"RAISERROR", u"RECONFIGURE", u"RESTORE",  u"RETURN",  u"REVOKE",     u"ROLLBACK",   u"SAVE",
+    u"SELECT",    u"SET",         u"SHUTDOWN", u"THROW",   u"TRUNCATE",   u"UPDATE",     u"USE",
+    u"WAITFOR",   u"WHILE"};
 
 constexpr const char* kSource = "vrdppo.criteria";
 
@@ -55,13 +54,8 @@ bool joins(char16_t before, char16_t after) {
 }
 
 bool startsStatement(std::u16string_view word) {
-  for (const auto w : kStatementWords) {
-    if (equalsNoCase(word, w)) return true;
-  }
-  for (const auto w : kMoreStatementWords) {
-    if (equalsNoCase(word, w)) return true;
-  }
-  return false;
+  return std::any_of(kStatementWords.begin(), kStatementWords.end(),
+                     [&](std::u16string_view w) { return equalsNoCase(word, w); });
 }
 
 // The value written as the library's statements write a value of its kind; a reason in `why`

@@ -133,6 +133,27 @@ void tell(const SessionEvent& event) noexcept {
   tellBoth(event, [](Observer& o, const SessionEvent& e) { o.onSession(e); });
 }
 
+void tellStatement(std::u16string_view connect, std::string_view system, std::u16string_view sql,
+                   std::chrono::steady_clock::time_point start, std::int64_t returnedRows,
+                   std::int64_t affectedRows, SessionOrigin session, const Error* error) noexcept {
+  const auto duration = std::chrono::steady_clock::now() - start;
+  try {
+    const ParsedTarget& target = targetOf(connect);
+    const std::u16string operation = operationOf(sql);
+    StatementEvent event;
+    event.target = target.view(system);
+    event.queryText = sql;
+    event.operationName = operation;
+    event.returnedRows = returnedRows;
+    event.affectedRows = affectedRows;
+    event.duration = std::chrono::duration_cast<std::chrono::nanoseconds>(duration);
+    event.session = session;
+    event.error = error;
+    tell(event);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): no memory to describe it; the call goes on
+  }
+}
+
 void silence() noexcept {
   silenced.store(true, std::memory_order_relaxed);
 }
@@ -209,14 +230,12 @@ std::u16string operationOf(std::u16string_view sql) {
                             sql[i] == u'\n' || sql[i] == u'(')) {
     ++i;
   }
-  std::u16string word;
-  for (; i < sql.size(); ++i) {
-    const char16_t c = sql[i];
-    const bool letter = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
-    if (!letter) break;
-    word += c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c;
+  std::size_t end = i;
+  while (end < sql.size() && ((sql[end] >= u'a' && sql[end] <= u'z') ||
+                              (sql[end] >= u'A' && sql[end] <= u'Z') || sql[end] == u'_')) {
+    ++end;
   }
-  return word;
+  return upperAscii(sql.substr(i, end - i));
 }
 
 namespace {

@@ -121,25 +121,16 @@ void Connection::Open(const std::u16string& connect, const std::u16string& user,
 
 void Connection::observed(std::u16string_view sql, std::chrono::steady_clock::time_point start,
                           std::int64_t returned, std::int64_t affected, const Error* error) const {
-  const auto duration = std::chrono::steady_clock::now() - start;
-  try {
-    const observe::ParsedTarget& target = observe::targetOf(connect_);
-    std::string name;
-    std::string_view system = impl_->system();
-    if (system.empty()) system = name = providers::nameFor(connect_);
-    const std::u16string operation = observe::operationOf(sql);
-    StatementEvent event;
-    event.target = target.view(system);
-    event.queryText = sql;
-    event.operationName = operation;
-    event.returnedRows = returned;
-    event.affectedRows = affected;
-    event.duration = std::chrono::duration_cast<std::chrono::nanoseconds>(duration);
-    event.session = impl_->sessionOrigin();
-    event.error = error;
-    observe::tell(event);
-  } catch (...) {  // NOLINT(bugprone-empty-catch): no memory to describe it; the call goes on
+  std::string_view system = impl_->system();
+  std::string name;
+  if (system.empty()) {
+    try {
+      system = name = providers::nameFor(connect_);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): told without a system rather than not
+    }
   }
+  observe::tellStatement(connect_, system, sql, start, returned, affected, impl_->sessionOrigin(),
+                         error);
 }
 
 std::shared_ptr<Recordset> Connection::Execute(const std::u16string& sql, int options) {

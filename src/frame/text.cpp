@@ -107,6 +107,27 @@ S upperOf(S s) {
 
 }  // namespace
 
+void appendJsonString(std::string& out, std::string_view utf8) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  out += '"';
+  for (const char c : utf8) {
+    const auto u = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (c == '\n') {
+      out += "\\n";
+    } else if (u < 0x20) {
+      out += "\\u00";
+      out += kHex[u >> 4U];
+      out += kHex[u & 0xFU];
+    } else {
+      out += c;
+    }
+  }
+  out += '"';
+}
+
 std::u16string upperAscii(std::u16string_view s) {
   return upperOf(std::u16string(s));
 }

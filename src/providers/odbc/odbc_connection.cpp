@@ -317,28 +317,10 @@ class OdbcConnection final : public ProviderConnection {
       const SQLRETURN rc =
           SQLExecDirectW(stmt.get(), text.data(), static_cast<SQLINTEGER>(sql.size()));
       if (rc != SQL_NO_DATA) check(rc, stmt, "SQLExecDirectW");
-      if (watched) tellOwn(sql, start, nullptr);
+      if (watched) observe::tellStatement(key_, system(), sql, start, -1, -1, origin_, nullptr);
     } catch (const Error& e) {
-      if (watched) tellOwn(sql, start, &e);
+      if (watched) observe::tellStatement(key_, system(), sql, start, -1, -1, origin_, &e);
       throw;
-    }
-  }
-
-  void tellOwn(std::u16string_view sql, std::chrono::steady_clock::time_point start,
-               const Error* error) const noexcept {
-    try {
-      const observe::ParsedTarget& target = observe::targetOf(key_);
-      const std::u16string operation = observe::operationOf(sql);
-      StatementEvent event;
-      event.target = target.view(system());
-      event.queryText = sql;
-      event.operationName = operation;
-      event.duration = std::chrono::duration_cast<std::chrono::nanoseconds>(
-          std::chrono::steady_clock::now() - start);
-      event.session = origin_;
-      event.error = error;
-      observe::tell(event);
-    } catch (...) {  // NOLINT(bugprone-empty-catch): no memory to describe it
     }
   }
 
