@@ -24,6 +24,9 @@ install(FILES ${PROJECT_BINARY_DIR}/vrdppoConfig.cmake
         DESTINATION ${VRDPPO_CMAKE_DIR})
 
 # The .pc file finds its prefix from where it lies, so an installed tree can be moved.
+# RELATIVE_PATH answers "../../" for an ancestor; without the slash the template's own "/" makes
+# no "//" in the libdir that users pass to -rpath.
 file(RELATIVE_PATH VRDPPO_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/+$" "" VRDPPO_PC_TO_PREFIX "${VRDPPO_PC_TO_PREFIX}")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/vrdppo.pc.in ${PROJECT_BINARY_DIR}/vrdppo.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vrdppo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -20,6 +20,16 @@ cmake --build "$work/cpp" >/dev/null
 
 echo "== C through pkg-config"
 export PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name vrdppo.pc)")
+# The libdir goes into -rpath as it is: a clean path, found from where the .pc lies, that is the
+# prefix's own library directory.
+pc_libdir=$(pkg-config --variable=libdir vrdppo)
+case $pc_libdir in
+  *//*) echo "pkg-config's libdir has a \"//\": $pc_libdir" >&2; exit 1 ;;
+esac
+if [ "$(cd "$pc_libdir" && pwd -P)" != "$(cd "$(dirname "$PKG_CONFIG_PATH")" && pwd -P)" ]; then
+  echo "pkg-config's libdir $pc_libdir is not $(dirname "$PKG_CONFIG_PATH")" >&2
+  exit 1
+fi
 # shellcheck disable=SC2046
 cc -Wall -Wextra -Werror -std=c99 "$root/examples/c/stems_count.c" \
    $(pkg-config --cflags --libs vrdppo) -Wl,-rpath,"$(pkg-config --variable=libdir vrdppo)" \
