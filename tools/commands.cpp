@@ -573,23 +573,29 @@ int showSql(const Options& o, std::ostream& out) {
   return 0;
 }
 
-int load(const Options& given, std::ostream& out) {
+int load(const Options& given, std::ostream& out, std::ostream& err) {
   const ClassInfo& info = classNamed(className(given));
   const Options o = withWhere(info, given);
   auto object = info.create();
   const MemberInfo* m = info.member("Load");
-  const auto args = argumentsFor(info, *m, o, u"", connectionOf(o));
-  // A read makes no store: a file that is not there would be created empty and read as such.
   const std::u16string connect = connectionOf(o);
+  const auto args = argumentsFor(info, *m, o, u"", connect);
+  // A read makes a missing store as any other call does; a person who mistyped the path is told
+  // so on standard error, which leaves the output an empty result's.
+  std::string file;
   if (providers::nameFor(connect) == "embedded") {
-    const std::string file = toUtf8(connectionValue(connect, u"Data Source"));
-    if (!std::filesystem::exists(file)) {
-      throw std::invalid_argument("no store file \"" + file +
-                                  "\": load reads a store that exists (commit or demo makes one)");
-    }
+    file = toUtf8(connectionValue(connect, u"Data Source"));
+    if (std::filesystem::exists(file)) file.clear();
   }
   const Variant state = registry::invoke(*object, "Load", args);
-  printRecords(*info.layout, recordsOf(state.str()), o.json, out);
+  if (!file.empty() && std::filesystem::exists(file)) {
+    err << "vrdppo: there was no store file \"" << file << "\"; it is now an empty store\n";
+  }
+  if (o.buffer) {
+    out << escapeState(state.str()) << "\n";
+  } else {
+    printRecords(*info.layout, recordsOf(state.str()), o.json, out);
+  }
   return 0;
 }
 

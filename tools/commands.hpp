@@ -39,7 +39,8 @@ int showLayout(const Options& o, std::ostream& out);
 int decode(const Options& o, std::istream& in, std::ostream& out);
 int encode(const Options& o, std::istream& in, std::ostream& out);
 int showSql(const Options& o, std::ostream& out);
-int load(const Options& o, std::ostream& out);
+// Standard error has a note when the embedded store file was not there and Load made it.
+int load(const Options& o, std::ostream& out, std::ostream& err);
 int commit(const Options& o, std::ostream& out);
 int remove(const Options& o, std::ostream& out);
 int demo(const Options& o, std::ostream& out);

@@ -182,7 +182,8 @@ int run(int argc, char** argv) {
   constexpr const char* kConnect =
       "a connection string; the default is the embedded store vrdppo.db in the working directory";
   const auto json = [&](CLI::App* c) {
-    c->add_flag("--json", raw.json, "JSON, one object per record and line, instead of a table");
+    return c->add_flag("--json", raw.json,
+                       "JSON, one object per record and line, instead of a table");
   };
   const auto where = [&](CLI::App* c, const char* what) {
     c->add_option("--where", raw.where, what)->type_name("TEMPLATE");
@@ -211,7 +212,8 @@ int run(int argc, char** argv) {
   {
     CLI::App* c = command("decode",
                           "a state (argument, --state or standard input) as named fields; with "
-                          "--buffer, a Buffer state (what Load returns) as a table",
+                          "--buffer, a Buffer state (what Load returns, as load --buffer prints "
+                          "it) as a table",
                           [](const Options& o) { return decode(o, std::cin, std::cout); },
                           {kStateText, kExitStatus});
     className(c);
@@ -243,16 +245,20 @@ int run(int argc, char** argv) {
     connect(c, "the connection string the operation is given (default DSN=vrdppo)");
   }
   {
-    CLI::App* c = command("load", "the class's Load, shown as a table (or --json)",
-                          [](const Options& o) { return load(o, std::cout); },
-                          {kArguments, kConnection, kExitStatus});
+    CLI::App* c = command("load",
+                          "the class's Load, shown as a table (or --json, or --buffer); a "
+                          "missing store file is made empty, with a note on standard error",
+                          [](const Options& o) { return load(o, std::cout, std::cerr); },
+                          {kArguments, kConnection, kStateText, kExitStatus});
     className(c);
     args(c);
     where(c,
           "criteria with \"?\" for each --param, the values written into it as the library "
           "writes values (quotes doubled): the criteria argument, built safely");
     connect(c, kConnect);
-    json(c);
+    c->add_flag("--buffer", raw.buffer,
+                "the Buffer state Load answered, as state text on one line, for decode --buffer")
+        ->excludes(json(c));
     trace(c);
   }
   {
