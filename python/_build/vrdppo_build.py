@@ -48,10 +48,16 @@ def _library(config_settings):
     given = (config_settings or {}).get("library") or os.environ.get("VRDPPO_LIBRARY")
     if not given:
         return None
-    path = pathlib.Path(given).resolve()
-    if not path.is_file():
-        raise FileNotFoundError(f"library={given}: no such file")
-    return path.read_bytes()
+    # pip builds in the package's folder; a relative path is meant from where pip was run, which
+    # the shell's PWD still names.
+    tried = [pathlib.Path(given)]
+    if not tried[0].is_absolute() and os.environ.get("PWD"):
+        tried.insert(0, pathlib.Path(os.environ["PWD"]) / given)
+    for path in tried:
+        if path.resolve().is_file():
+            return path.resolve().read_bytes()
+    raise FileNotFoundError(f"library={given}: no such file (looked for "
+                            + " and ".join(str(p.resolve()) for p in tried) + ")")
 
 
 def _record_line(name, data):
