@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(g++ cmake make pkg-config git ca-certificates
           libsqlite3-dev sqlite3 unixodbc unixodbc-dev odbcinst libsqliteodbc tdsodbc libltdl-dev zlib1g-dev
           libfmt-dev libgtest-dev libgmock-dev googletest libbenchmark-dev
-          libcli11-dev nlohmann-json3-dev
+          libcli11-dev nlohmann-json3-dev freetds-bin
           python3 python3-pip python3-venv
           clang-14 libclang-rt-14-dev)
 if [ "${1:-}" = windows ]; then
