@@ -20,7 +20,8 @@ Every fenced block is one of:
 The info string may add words after the language:
 
   server         needs a database server: run only with --server (the T-SQL suite), against
-                 VRDPPO_TSQL_CONNECT; skipped, and counted as such, without it.
+                 VRDPPO_TSQL_CONNECT (its SERVER, PORT, UID and PWD); skipped, and counted
+                 as such, without it.
   yours          the values a reader puts in for their own server (`NAME=value` words): with
                  --server the test's own values take their place; the only block not run as it
                  stands.
@@ -199,7 +200,6 @@ class Run:
     def run_yours(self, block, d, env):
         fields = connect_fields(os.environ["VRDPPO_TSQL_CONNECT"])
         values = {name: fields.get(key, "") for name, key in SERVER_VALUES.items()}
-        values.setdefault("VRD_PORT", "1433")
         values["VRD_PORT"] = values["VRD_PORT"] or "1433"
         database = f"vrd_docs_{os.getpid()}"
         self.databases.append((values, database))
@@ -367,9 +367,13 @@ def main():
     args = ap.parse_args()
     global VERBOSE
     VERBOSE = args.verbose
-    if args.server and not os.environ.get("VRDPPO_TSQL_CONNECT"):
-        print("no VRDPPO_TSQL_CONNECT: the server's blocks are not run")
-        return 77
+    if args.server:
+        fields = connect_fields(os.environ.get("VRDPPO_TSQL_CONNECT", ""))
+        if not all(fields.get(k) for k in ("SERVER", "UID", "PWD")):
+            # A page's reader types a server, a login and a password: a DSN will not stand in.
+            print("VRDPPO_TSQL_CONNECT names no SERVER, UID and PWD: the server's blocks are "
+                  "not run")
+            return 77
     run = Run(args)
     root = run.root
     pages = [Path(p).resolve() for p in args.pages] or \
