@@ -4,7 +4,7 @@
 # with pip, each run against a fresh embedded store.
 #   scripts/consumers.sh BUILD-DIR [PYTHON]
 set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
+root=$(cd "$(dirname "$(realpath "$0")")/.." && pwd)
 build=$(cd "$1" && pwd)
 python=${2:-python3}
 work=$(mktemp -d)

@@ -4,7 +4,7 @@
 #   scripts/fuzz.sh [-t SECONDS | -r RUNS] [HARNESS...]
 # Defaults: 30 seconds each, every harness. Crashing inputs are kept in build/fuzz/artifacts/.
 set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
+root=$(cd "$(dirname "$(realpath "$0")")/.." && pwd)
 build=${VRDPPO_FUZZ_BUILD:-$root/build/fuzz}
 limit=(-max_total_time=30)
 while getopts "t:r:" opt; do

@@ -2,7 +2,7 @@
 # Installs the dependencies, builds a preset (normal by default; sanitizer or release) and runs
 # every test of it. "windows" builds vrdppo.dll and runs its suite under Wine instead.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(realpath "$0")")/.."
 preset=${1:-normal}
 if [ "$preset" = windows ]; then
   exec scripts/windows-suite.sh

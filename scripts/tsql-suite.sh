@@ -3,7 +3,7 @@
 # VRDPPO_TSQL_CONNECT names, or else the test engine in ../shared/engines/tsql, started here.
 #   scripts/tsql-suite.sh [PRESET]
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(realpath "$0")")/.."
 preset=${1:-normal}
 if [ -z "${VRDPPO_TSQL_CONNECT:-}" ]; then
   engine=${TSQL_ENGINE:-../shared/engines/tsql/start.sh}

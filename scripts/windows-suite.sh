@@ -3,7 +3,7 @@
 # regsvr32 and the registry entries it writes, the VBScript suite by cscript, the type-library
 # client, then unregistering and the entries gone. Fails loudly where Wine cannot start.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(realpath "$0")")/.."
 root=$PWD
 start=$(date +%s)
 step() { echo "== $1: $(($(date +%s) - start)) s"; }
