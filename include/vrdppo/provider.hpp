@@ -159,7 +159,8 @@ void resetLastRecordsAffected() noexcept;
 void restoreLastRecordsAffected(std::int64_t figure) noexcept;
 
 // The "key=value" pairs of a connection string in order, each as written: a pair ends at the first
-// ";" outside braces, and "}}" within braces is a brace. Joined with ";" they give the string back.
+// ";" outside a value in braces (one that begins with "{", where "}}" is a brace). Joined with ";"
+// they give the string back.
 std::vector<std::u16string_view> connectionPairs(std::u16string_view connect);
 
 // The value of a key in a "key=value;key=value" connection string (keys without regard to case,

@@ -1,5 +1,6 @@
 #include "vrdppo/provider.hpp"
 
+#include <algorithm>
 #include <mutex>
 #include <vector>
 
@@ -277,20 +278,25 @@ std::vector<std::u16string_view> connectionPairs(std::u16string_view connect) {
   std::vector<std::u16string_view> pairs;
   std::size_t i = 0;
   for (;;) {
-    std::size_t end = i;
-    bool braced = false;
-    while (end < connect.size() && (braced || connect[end] != u';')) {
-      if (!braced && connect[end] == u'{') {
-        braced = true;
-      } else if (braced && connect[end] == u'}') {
-        if (end + 1 < connect.size() && connect[end + 1] == u'}') {
-          ++end;
-        } else {
-          braced = false;
+    // A value that begins with "{" runs to its closing "}" ("}}" being a brace within it) and may
+    // hold ";"; a brace anywhere else is a character.
+    std::size_t from = i;
+    const std::size_t eq = connect.find(u'=', i);
+    if (eq != std::u16string_view::npos && eq < connect.find(u';', i)) {
+      std::size_t v = eq + 1;
+      while (v < connect.size() && connect[v] == u' ') ++v;
+      if (v < connect.size() && connect[v] == u'{') {
+        for (from = v + 1; from < connect.size(); ++from) {
+          if (connect[from] != u'}') continue;
+          if (from + 1 < connect.size() && connect[from + 1] == u'}') {
+            ++from;
+          } else {
+            break;
+          }
         }
       }
-      ++end;
     }
+    const std::size_t end = std::min(connect.find(u';', from), connect.size());
     pairs.push_back(connect.substr(i, end - i));
     if (end >= connect.size()) return pairs;
     i = end + 1;
@@ -298,30 +304,16 @@ std::vector<std::u16string_view> connectionPairs(std::u16string_view connect) {
 }
 
 std::u16string connectionValue(std::u16string_view connect, std::u16string_view key) {
-  std::size_t pos = 0;
-  while (pos <= connect.size()) {
-    std::size_t end = connect.find(u';', pos);
-    // A braced value may hold semicolons.
-    const std::size_t eq = connect.find(u'=', pos);
-    if (eq != std::u16string_view::npos && (end == std::u16string_view::npos || eq < end)) {
-      std::size_t v = eq + 1;
-      while (v < connect.size() && connect[v] == u' ') ++v;
-      if (v < connect.size() && connect[v] == u'{') {
-        const std::size_t close = connect.find(u'}', v);
-        if (close != std::u16string_view::npos) end = connect.find(u';', close);
-      }
-      const auto name = trimBlanks(connect.substr(pos, eq - pos));
-      if (equalsNoCase(name, key)) {
-        auto value = trimBlanks(connect.substr(
-            eq + 1, (end == std::u16string_view::npos ? connect.size() : end) - eq - 1));
-        if (value.size() >= 2 && value.front() == u'{' && value.back() == u'}') {
-          value = value.substr(1, value.size() - 2);
-        }
-        return std::u16string(value);
-      }
+  for (const std::u16string_view pair : connectionPairs(connect)) {
+    const std::size_t eq = pair.find(u'=');
+    if (eq == std::u16string_view::npos || !equalsNoCase(trimBlanks(pair.substr(0, eq)), key)) {
+      continue;
     }
-    if (end == std::u16string_view::npos) break;
-    pos = end + 1;
+    auto value = trimBlanks(pair.substr(eq + 1));
+    if (value.size() >= 2 && value.front() == u'{' && value.back() == u'}') {
+      value = value.substr(1, value.size() - 2);
+    }
+    return std::u16string(value);
   }
   return {};
 }
