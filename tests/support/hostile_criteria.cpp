@@ -6,8 +6,8 @@
 #include <random>
 #include <vector>
 
+#include "endtoend/store_fixture.hpp"
 #include "providers/embedded/tokenizer.hpp"
-#include "vrdppo/buffer.hpp"
 #include "vrdppo/criteria.hpp"
 #include "vrdppo/reference/stations.hpp"
 #include "vrdppo/render.hpp"
@@ -33,23 +33,6 @@ std::vector<std::u16string> hostileValues() {
   return values;
 }
 
-struct Row {
-  Long key;
-  std::u16string held;  // the description as the database gives it back
-};
-
-std::vector<Row> rowsOf(const std::u16string& bufferState) {
-  Buffer b;
-  b.SetState(bufferState);
-  std::vector<Row> rows;
-  for (std::int32_t i = 1; i <= b.Count(); ++i) {
-    cStationPersist o;
-    o.SetState(b.Item(i));
-    rows.push_back({o.record().StationId, text(o.record().Description)});
-  }
-  return rows;
-}
-
 }  // namespace
 
 void expectCriteriaSelectExactlyTheirRows(const std::u16string& connect) {
@@ -65,7 +48,7 @@ void expectCriteriaSelectExactlyTheirRows(const std::u16string& connect) {
     written.push_back(text(stations.record().Description));
     keys.push_back(stations.record().StationId);
   }
-  const std::vector<Row> all = rowsOf(stations.Load(u"", connect));
+  const auto all = rowsOf<cStationPersist>(stations.Load(u"", connect));
   ASSERT_EQ(all.size(), written.size());
   std::size_t checked = 0;
   for (std::size_t i = 0; i < written.size(); ++i) {
@@ -79,20 +62,22 @@ void expectCriteriaSelectExactlyTheirRows(const std::u16string& connect) {
     EXPECT_EQ(kinds, (std::vector<embedded::Tok>{embedded::Tok::Word, embedded::Tok::Punct,
                                                  embedded::Tok::String}));
     std::u16string held;
-    for (const Row& r : all) {
-      if (r.key == keys[i]) held = r.held;
+    for (const auto& r : all) {
+      if (r.StationId == keys[i]) held = text(r.Description);
     }
-    const std::vector<Row> found = rowsOf(stations.Load(criteria, connect));
+    const auto found = rowsOf<cStationPersist>(stations.Load(criteria, connect));
     // Every row written with the value is selected, and none the database holds as different.
     // A server's varchar holds what lies outside its code page as "?", and a driver may give it
     // back so: rows held alike may then have been written differently, and are not all selected.
     for (std::size_t j = 0; j < written.size(); ++j) {
       if (!equalsNoCase(written[j], written[i])) continue;
-      EXPECT_TRUE(
-          std::any_of(found.begin(), found.end(), [&](const Row& r) { return r.key == keys[j]; }))
+      EXPECT_TRUE(std::any_of(found.begin(), found.end(),
+                              [&](const auto& r) { return r.StationId == keys[j]; }))
           << "row " << keys[j] << " not selected";
     }
-    for (const Row& r : found) EXPECT_TRUE(equalsNoCase(r.held, held)) << toUtf8(r.held);
+    for (const auto& r : found) {
+      EXPECT_TRUE(equalsNoCase(text(r.Description), held)) << toUtf8(text(r.Description));
+    }
     ++checked;
   }
   EXPECT_EQ(checked, 200u);
