@@ -133,7 +133,15 @@ std::u16string literal(const Variant& v, std::string& why) {
 // Appends a piece beside a value (`value`: the piece is one, or follows one), a blank between
 // them where they would otherwise read as one token. The template's own pieces join as written.
 void append(std::u16string& out, std::u16string_view piece, bool value) {
-  if (value && !out.empty() && !piece.empty() && joins(out.back(), piece.front())) out += u' ';
+  if (value && !out.empty() && !piece.empty()) {
+    const char16_t last = out.back();
+    // A number after "1e-" of the template would finish its exponent ("1e-" and "5": "1e-5").
+    const bool exponent =
+        (last == u'-' || last == u'+') && out.size() >= 2 &&
+        (out[out.size() - 2] == u'e' || out[out.size() - 2] == u'E') &&
+        ((piece.front() >= u'0' && piece.front() <= u'9') || piece.front() == u'.');
+    if (exponent || joins(last, piece.front())) out += u' ';
+  }
   out += piece;
 }
 
