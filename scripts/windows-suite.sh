@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds vrdppo.dll with the windows preset and proves it under Wine in a throw-away prefix:
 # regsvr32 and the registry entries it writes, the VBScript suite by cscript, the type-library
-# client, then unregistering and the entries gone. Fails loudly where Wine cannot start.
+# client, the VBScript client of docs/windows.md, then unregistering and the entries gone. Fails loudly where Wine cannot start.
 set -euo pipefail
 cd "$(dirname "$(realpath "$0")")/.."
 root=$PWD
@@ -111,6 +111,22 @@ size=$(wc -c <"$dir/trace.txt")
 [ "$(wc -c <"$dir/trace.txt")" = "$size" ] ||
   { echo "windows-suite: a client without VRDPPO_TRACE_FILE wrote to the trace" >&2; status=1; }
 step "type-library client"
+
+# The VBScript client of docs/windows.md as the page gives it (its store in C:\plant), its output
+# compared with the page's block after it.
+page_block() {
+  awk -v open='```'"$1 wine" '$0 == open {f = 1; next} f && /^```/ {exit} f' docs/windows.md
+}
+mkdir -p "$WINEPREFIX/drive_c/plant"
+[ -n "$(page_block vb)" ] || fail "docs/windows.md has no vb block marked wine"
+# Wine's script host has no AscW: one from Asc, which is enough for the small key read there.
+{ printf 'Function AscW(c)\r\n  AscW = Asc(c)\r\nEnd Function\r\n'; page_block vb; } >"$dir/page.vbs"
+page_out=$(run cscript //nologo "$win\\page.vbs" | tr -d '\r') || true
+if [ "$page_out" != "$(page_block text)" ]; then
+  printf 'windows-suite: the VBScript client of docs/windows.md printed:\n%s\n' "$page_out" >&2
+  status=1
+fi
+step "the page's VBScript client"
 
 run regsvr32 /s /u "$win\\vrdppo.dll" || fail "regsvr32 /u did not unregister the DLL"
 reg=$(registry)

@@ -27,6 +27,8 @@ The info string may add words after the language:
                  stands.
   ci             too long for a test (a build of a preset, the whole suite): each command must be
                  one that .ci/run runs, as written.
+  wine           run by the Wine suite, scripts/windows-suite.sh, which takes the block from its
+                 page (a VBScript client and its output): the suite must name the page.
 
 A block of any other kind, or one not meant to run, carries a caption a reader sees: an italic
 line just above it that begins with "*Not run". A block that is neither runnable nor captioned is
@@ -118,6 +120,7 @@ class Run:
         self.databases = []
         ci = (self.root / ".ci" / "run").read_text()
         self.ci_lines = {l.strip() for l in ci.split("\n")}
+        self.wine_suite = (self.root / "scripts" / "windows-suite.sh").read_text()
 
     # -- the scratch install every page shares -------------------------------------------------
     def install(self):
@@ -294,13 +297,18 @@ class Run:
             return
         d, env = None, None
         tally = counts.setdefault(str(path.relative_to(self.root)),
-                                  {"run": 0, "ci": 0, "server": 0, "not run": 0})
+                                  {"run": 0, "ci": 0, "wine": 0, "server": 0, "not run": 0})
         for b in blocks:
             if VERBOSE:
                 print(f"{b.where()} [{b.lang} {' '.join(sorted(b.words))}]"
                       f"{' not run' if b.captioned else ''}", flush=True)
             if b.captioned:
                 tally["not run"] += 1
+                continue
+            if "wine" in b.words:
+                if b.page not in self.wine_suite:
+                    self.fail(b, "a wine block of a page that scripts/windows-suite.sh never names")
+                tally["wine"] += 1
                 continue
             if b.lang not in RUNNABLE:
                 self.fail(b, f"a {b.lang} block neither runs nor has a '*Not run' caption")
@@ -393,7 +401,7 @@ def main():
             print(f"scratch: {run.scratch}")
     for page, t in counts.items():
         print(f"{page}: " + ", ".join(f"{n} {k}" for k, n in t.items() if n))
-    total = {k: sum(t[k] for t in counts.values()) for k in ("run", "ci", "server", "not run")}
+    total = {k: sum(t[k] for t in counts.values()) for k in ("run", "ci", "wine", "server", "not run")}
     print("in all: " + ", ".join(f"{n} {k}" for k, n in total.items()))
     for f in run.failures:
         print("\nFAILED " + f)
