@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds vrdppo.dll with the windows preset and proves it under Wine in a throw-away prefix:
 # regsvr32 and the registry entries it writes, the VBScript suite by cscript, the type-library
-# client, the VBScript client of docs/windows.md, then unregistering and the entries gone. Fails loudly where Wine cannot start.
+# client, the VBScript blocks of README.md and docs/windows.md, then unregistering and the entries gone. Fails loudly where Wine cannot start.
 set -euo pipefail
 cd "$(dirname "$(realpath "$0")")/.."
 root=$PWD
@@ -112,21 +112,36 @@ size=$(wc -c <"$dir/trace.txt")
   { echo "windows-suite: a client without VRDPPO_TRACE_FILE wrote to the trace" >&2; status=1; }
 step "type-library client"
 
-# The VBScript client of docs/windows.md as the page gives it (its store in C:\plant), its output
-# compared with the page's block after it.
-page_block() {
-  awk -v open='```'"$1 wine" '$0 == open {f = 1; next} f && /^```/ {exit} f' docs/windows.md
-}
-mkdir -p "$WINEPREFIX/drive_c/plant"
-[ -n "$(page_block vb)" ] || fail "docs/windows.md has no vb block marked wine"
-# Wine's script host has no AscW: one from Asc, which is enough for the small key read there.
-{ printf 'Function AscW(c)\r\n  AscW = Asc(c)\r\nEnd Function\r\n'; page_block vb; } >"$dir/page.vbs"
-page_out=$(run cscript //nologo "$win\\page.vbs" | tr -d '\r') || true
-if [ "$page_out" != "$(page_block text)" ]; then
-  printf 'windows-suite: the VBScript client of docs/windows.md printed:\n%s\n' "$page_out" >&2
-  status=1
-fi
-step "the page's VBScript client"
+# Each VBScript block marked wine in the pages, as the page gives it, on a new store in C:\plant;
+# what it prints is compared with the page's text block marked wine after it (none: nothing). A
+# line added at its end shows that it ran to there: the script host ends silently on an error.
+pages=(README.md docs/windows.md)
+blocks=0
+for page in "${pages[@]}"; do
+  base=$dir/$(basename "$page" .md)-
+  awk -v base="$base" '
+    /^```vb wine$/ {k++; f = base k ".vbs"; printf "" > f; next}
+    /^```text wine$/ {f = base k ".txt"; printf "" > f; next}
+    /^```/ {f = ""; next}
+    f {print > f}' "$page"
+  for vbs in "$base"*.vbs; do
+    [ -f "$vbs" ] || continue
+    blocks=$((blocks + 1))
+    rm -rf "$WINEPREFIX/drive_c/plant" && mkdir -p "$WINEPREFIX/drive_c/plant"
+    # Wine's script host has no AscW: one from Asc, which is enough for the small keys read here.
+    { printf 'Function AscW(c)\r\n  AscW = Asc(c)\r\nEnd Function\r\n'; cat "$vbs"
+      printf 'WScript.Echo "(the end)"\r\n'; } >"$dir/block.vbs"
+    got=$(run cscript //nologo "$win\\block.vbs" | tr -d '\r') || true
+    expected=$(cat "${vbs%.vbs}.txt" 2>/dev/null; echo "(the end)")
+    if [ "$got" != "$expected" ]; then
+      printf 'windows-suite: a VBScript block of %s printed:\n%s\n' "$page" "$got" >&2
+      status=1
+    fi
+  done
+done
+[ $blocks -ge 2 ] || fail "expected the VBScript blocks of ${pages[*]}, found $blocks"
+echo "VBScript blocks of the pages: $blocks"
+step "the pages' VBScript blocks"
 
 run regsvr32 /s /u "$win\\vrdppo.dll" || fail "regsvr32 /u did not unregister the DLL"
 reg=$(registry)
