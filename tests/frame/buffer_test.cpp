@@ -284,10 +284,22 @@ TEST(BufferWriter, LongRunsAgreeWithInitializeAndAdd) {
 }
 
 TEST(BufferWriter, RaisesWhatInitializeRaises) {
-  EXPECT_EQ(numberOf([] { BufferWriter(43, std::numeric_limits<std::int32_t>::max()); }),
-            err::kOverflow);
-  EXPECT_EQ(numberOf([] { BufferWriter(32767, 40000); }), err::kOutOfMemory);
-  EXPECT_EQ(numberOf([] { BufferWriter(4, -3); }), err::kInvalidCall);
+  const struct {
+    std::int16_t length;
+    std::int32_t estimate, number;
+  } cases[] = {
+      {43, std::numeric_limits<std::int32_t>::max(), err::kOverflow},
+      {32767, std::numeric_limits<std::int32_t>::max(), err::kOverflow},
+      {32767, 40000, err::kOutOfMemory},
+      {4, -3, err::kInvalidCall},
+      {-5, 3, err::kInvalidCall},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.length) + ", " + std::to_string(c.estimate));
+    EXPECT_EQ(numberOf([&] { BufferWriter(c.length, c.estimate); }), c.number);
+    Buffer b;
+    EXPECT_EQ(numberOf([&] { b.Initialize(c.length, c.estimate); }), c.number);
+  }
 }
 
 TEST(Buffer, ItemViewSeesWhatItemCopies) {
