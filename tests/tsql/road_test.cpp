@@ -37,7 +37,6 @@ std::string upper(std::string s) {
   return s;
 }
 
-// The connection string with its DATABASE key set to `database`.
 // What a step answered: its value, or the number of the error it raised.
 struct Outcome {
   std::optional<Variant> value;
