@@ -48,7 +48,7 @@ TEST(Criteria, ValuesAreWrittenAsTheStatementsWriteThem) {
       {u"Weight > -?", {Variant(Long{-1})}, u"Weight > - -1"},
       {u"Weight > ?e5", {Variant(Long{1})}, u"Weight > 1 e5"},
       {u"Weight > 2e-?", {Variant(Long{5})}, u"Weight > 2e- 5"},  // not the number 2e-5
-      {u"Code = '?'?", {Variant(u"a")}, u"Code = '?' 'a'"},  // not one string 'a''a'
+      {u"Code = '?'?", {Variant(u"a")}, u"Code = '?' 'a'"},       // not one string 'a''a'
       {u"Name = N?", {Variant(u"\u4e2d")}, u"Name = N'\u4e2d'"},
       {u"Name = N'?' OR Name = ?", {Variant(u"a")}, u"Name = N'?' OR Name = 'a'"},
       {u"Id IN (SELECT Id FROM T WHERE Code = ?)",
