@@ -151,6 +151,42 @@ TEST(ForeignFiles, ModeReadOnlyReads) {
   removeStore(path);
 }
 
+// A file read as immutable (no log beside it) is trusted not to change, but another process may
+// come and write it: its log copied back when it ends, the file changes under the reader. The
+// next statement reads the file afresh; one during which it changed raises rather than answer
+// what may be torn rows.
+TEST(ForeignFiles, AReaderOfAFileNoOneWroteSeesAWriterThatCameSince) {
+  const std::string path = freshStorePath("mode_read_writer");
+  Client(path).run(u"INSERT INTO STEMS (TotalNetWeight) VALUES (4.5)");
+  releaseStore(path);
+  Connection c;
+  c.Open(connectString(path) + u";Mode=Read");
+  const auto count = [&] {
+    return c.Execute(u"SELECT COUNT(*) FROM STEMS")->Fields(std::size_t{0}).lng();
+  };
+  EXPECT_EQ(count(), 1);
+  sqliteRun(path, "INSERT INTO STEMS (TotalNetWeight) VALUES (5.5)");  // and its log copied back
+  EXPECT_EQ(count(), 2);
+
+  struct WriterOnTheFirstRow : RecordSink {
+    std::string path;
+    WriterOnTheFirstRow(std::string p, StemsRecord& record)
+        : RecordSink(*cStemsPersist::info().layout, reinterpret_cast<std::byte*>(&record)),
+          path(std::move(p)) {}
+    void take(const std::byte*) override {
+      if (rows() == 1) sqliteRun(path, "INSERT INTO STEMS (TotalNetWeight) VALUES (6.5)");
+    }
+  };
+  StemsRecord record{};
+  WriterOnTheFirstRow sink(path, record);
+  const Error e = errorOf([&] { c.ExecuteInto(u"SELECT * FROM STEMS", sink); });
+  EXPECT_EQ(e.sqlState(), "40001") << e.description();
+  EXPECT_NE(e.description().find("changed while it was read"), std::string::npos);
+  EXPECT_EQ(count(), 3);
+  c.Close();
+  removeStore(path);
+}
+
 }  // namespace
 
 }  // namespace vrdppo::embedded::testing

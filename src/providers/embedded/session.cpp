@@ -83,6 +83,7 @@ Session::Session(const std::string& path, bool readOnly) : path_(path) {
     throw openError("The connection string names no Data Source.", SQLITE_CANTOPEN);
   }
   if (readOnly) {
+    mark_ = markOf(path);  // before it opens: a change while it opens shows as one
     connection_ = openToRead(path, this);
     reusable_ = false;  // the pool's connections may write
   } else {
@@ -114,14 +115,33 @@ void Session::note(std::u16string_view firstWord) {
   reusable_ = false;
 }
 
+void Session::beforeReading() {
+  if (!connection_->immutable) return;
+  const FileMark now = markOf(path_);
+  if (now == mark_) return;
+  connection_.reset();
+  mark_ = now;
+  connection_ = openToRead(path_, this);
+}
+
+void Session::afterReading() const {
+  if (!connection_->immutable || markOf(path_) == mark_) return;
+  throw storeError(err::kCommandError,
+                   "The store file changed while it was read (Data Source=" + path_ +
+                       "): another process wrote it; read it again.",
+                   "40001", SQLITE_BUSY_SNAPSHOT);
+}
+
 std::shared_ptr<Recordset> Session::execute(std::u16string_view text) {
   const Tokens tokens(text);
+  beforeReading();
   std::shared_ptr<Recordset> first;
   for (const auto& [begin, end] : tokens.statements()) {
     if (tokens.skip(begin, end) >= end) continue;
     auto result = statement(tokens, begin, end);
     if (!first) first = std::move(result);
   }
+  afterReading();
   return first ? first : std::make_shared<Recordset>();
 }
 
@@ -140,7 +160,9 @@ void Session::executeInto(std::u16string_view text, RecordSink& sink) {
     sink.walk(*rs);
     return;
   }
+  beforeReading();
   if (const auto rs = statement(tokens, only.first, only.second, &sink)) sink.walk(*rs);
+  afterReading();
 }
 
 std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin, std::size_t end,

@@ -56,6 +56,12 @@ class Session {
   // Runs body as one transaction (a savepoint inside another), rolled back when it raises.
   void transaction(const std::function<void()>& body);
 
+  // A connection that reads the file as immutable (no log lay beside it when it opened) trusts
+  // it not to change; a writer that came since changes it when it copies its log back. Before a
+  // statement, a changed file is opened afresh; after one, it raises: the rows may be torn.
+  void beforeReading();
+  void afterReading() const;
+
   std::int64_t lastInsertId() const noexcept;
   // Rows changed by the last INSERT, UPDATE or DELETE.
   std::int64_t changes() const noexcept;
@@ -76,6 +82,7 @@ class Session {
   // First, so that it ends last: the connection is handed back before a fork may go on.
   StoreActivity activity_;
   std::string path_;
+  FileMark mark_;  // of the file as it was opened, when it is read as immutable
   StoreConnectionPtr connection_;
   bool reusable_ = true;
   bool quotedIdentifier_ = true;

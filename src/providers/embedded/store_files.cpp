@@ -399,6 +399,15 @@ StoreConnectionPtr openForReading(const std::string& path, std::string& name) {
 
 }  // namespace
 
+FileMark markOf(const std::string& path) {
+  std::error_code ec;
+  const auto file = fileOf(path);
+  FileMark mark{std::filesystem::last_write_time(file, ec), 0};
+  mark.size = std::filesystem::file_size(file, ec);
+  if (ec) mark.size = 0;
+  return mark;
+}
+
 StoreConnectionPtr openToRead(const std::string& path, const Session* session) {
   if (!exists(path)) {
     throw openError("No store file to read (Data Source=" + path + ")", SQLITE_CANTOPEN);
@@ -412,6 +421,7 @@ StoreConnectionPtr openToRead(const std::string& path, const Session* session) {
   std::string name = uriOf(path) + "?immutable=1";
   if (logged) (void)openForReading(path, name);
   auto connection = openConnection(path, session, name);
+  connection->immutable = name.ends_with("?immutable=1");
   if (contentsOf(connection->db.get(), path) == Contents::Empty) {
     throw openError("The file holds no store yet (Data Source=" + path + ")", SQLITE_NOTADB);
   }

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -24,6 +26,8 @@ struct StoreConnection {
   // How audittrailid() reads it: the holder's id, 0 for none.
   AuditTrailSource auditTrail{};
   ConnectionHandle db;
+  // Opened as immutable: the file alone, no locks, trusted not to change.
+  bool immutable = false;
   // Declared last, so that it finalizes its statements before db closes.
   StatementCache statements;
 };
@@ -47,6 +51,16 @@ void prepareStore(const std::string& path, bool recheck = false);
 // file is neither created, set up nor brought up to date, and nothing is left beside it. Not
 // pooled. Raises the provider-failure error for a file that is missing, empty or no store.
 StoreConnectionPtr openToRead(const std::string& path, const Session* session);
+
+// What a writer's checkpoint changes in a file: its time and its size. A connection that reads a
+// file as immutable compares them around its statements. The time is the file system's, which
+// ticks in milliseconds: a write in the very tick the mark was taken may go unseen.
+struct FileMark {
+  std::filesystem::file_time_type time{};
+  std::uintmax_t size = 0;
+  bool operator==(const FileMark&) const = default;
+};
+FileMark markOf(const std::string& path);
 
 // Connections are pooled per file, as a driver manager pools a server's connections: a
 // statement's connection comes from the file's idle ones when there is one, which spares it
