@@ -183,6 +183,12 @@ TEST(ForeignFiles, AReaderOfAFileNoOneWroteSeesAWriterThatCameSince) {
   EXPECT_EQ(e.sqlState(), "40001") << e.description();
   EXPECT_NE(e.description().find("changed while it was read"), std::string::npos);
   EXPECT_EQ(count(), 3);
+  // A file gone since fails each statement, and the connection stays one to close.
+  fs::remove(path);
+  for (int twice = 0; twice < 2; ++twice) {
+    EXPECT_NE(errorOf([&] { count(); }).description().find("No store file to read"),
+              std::string::npos);
+  }
   c.Close();
   removeStore(path);
 }

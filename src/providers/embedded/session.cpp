@@ -119,9 +119,8 @@ void Session::beforeReading() {
   if (!connection_->immutable) return;
   const FileMark now = markOf(path_);
   if (now == mark_) return;
-  connection_.reset();
+  connection_ = openToRead(path_, this);  // where it fails, the old one stays for the next try
   mark_ = now;
-  connection_ = openToRead(path_, this);
 }
 
 void Session::afterReading() const {
