@@ -274,48 +274,64 @@ int Connection::State() const noexcept {
   return open_ ? adStateOpen : adStateClosed;
 }
 
-std::vector<std::u16string_view> connectionPairs(std::u16string_view connect) {
-  std::vector<std::u16string_view> pairs;
+namespace {
+
+// Hands each "key=value" pair of a connection string to `take`, in order, until it answers true.
+// A value that begins with "{" runs to its closing "}" ("}}" being a brace within it) and may
+// hold ";"; a brace anywhere else is a character. Nothing is copied: a connection string is read
+// several times on every open.
+template <class Take>
+void eachPair(std::u16string_view connect, Take take) {
   std::size_t i = 0;
   for (;;) {
-    // A value that begins with "{" runs to its closing "}" ("}}" being a brace within it) and may
-    // hold ";"; a brace anywhere else is a character.
-    std::size_t from = i;
+    std::size_t end = connect.find(u';', i);
     const std::size_t eq = connect.find(u'=', i);
-    if (eq != std::u16string_view::npos && eq < connect.find(u';', i)) {
+    if (eq < end) {
       std::size_t v = eq + 1;
       while (v < connect.size() && connect[v] == u' ') ++v;
       if (v < connect.size() && connect[v] == u'{') {
-        for (from = v + 1; from < connect.size(); ++from) {
-          if (connect[from] != u'}') continue;
-          if (from + 1 < connect.size() && connect[from + 1] == u'}') {
-            ++from;
+        std::size_t close = v + 1;
+        for (; close < connect.size(); ++close) {
+          if (connect[close] != u'}') continue;
+          if (close + 1 < connect.size() && connect[close + 1] == u'}') {
+            ++close;
           } else {
             break;
           }
         }
+        end = connect.find(u';', close);
       }
     }
-    const std::size_t end = std::min(connect.find(u';', from), connect.size());
-    pairs.push_back(connect.substr(i, end - i));
-    if (end >= connect.size()) return pairs;
+    end = std::min(end, connect.size());
+    if (take(connect.substr(i, end - i)) || end >= connect.size()) return;
     i = end + 1;
   }
 }
 
+}  // namespace
+
+std::vector<std::u16string_view> connectionPairs(std::u16string_view connect) {
+  std::vector<std::u16string_view> pairs;
+  eachPair(connect, [&](std::u16string_view pair) {
+    pairs.push_back(pair);
+    return false;
+  });
+  return pairs;
+}
+
 std::u16string connectionValue(std::u16string_view connect, std::u16string_view key) {
-  for (const std::u16string_view pair : connectionPairs(connect)) {
+  std::u16string value;
+  eachPair(connect, [&](std::u16string_view pair) {
     const std::size_t eq = pair.find(u'=');
     if (eq == std::u16string_view::npos || !equalsNoCase(trimBlanks(pair.substr(0, eq)), key)) {
-      continue;
+      return false;
     }
-    auto value = trimBlanks(pair.substr(eq + 1));
-    if (value.size() >= 2 && value.front() == u'{' && value.back() == u'}') {
-      value = value.substr(1, value.size() - 2);
-    }
-    return std::u16string(value);
-  }
-  return {};
+    auto v = trimBlanks(pair.substr(eq + 1));
+    if (v.size() >= 2 && v.front() == u'{' && v.back() == u'}') v = v.substr(1, v.size() - 2);
+    value = v;
+    return true;  // the first occurrence of a key is the one that counts
+  });
+  return value;
 }
 
 }  // namespace vrdppo

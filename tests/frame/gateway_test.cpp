@@ -5,6 +5,8 @@
 #include "support/scripted_provider.hpp"
 #include "vrdppo/dbhelp.hpp"
 #include "vrdppo/error.hpp"
+#include "vrdppo/provider.hpp"
+#include "vrdppo/text.hpp"
 
 using namespace vrdppo;
 using vrdppo::testing::numberOf;
@@ -156,4 +158,33 @@ TEST(ReplaceAll, OverflowsBeyondPosition32767OfTheRest) {
 
 TEST(ReplaceAll, RefusesAnEmptyFindInsteadOfLoopingForever) {
   EXPECT_EQ(numberOf([] { dbHelp::ReplaceAll(u"abc", u"", u"x"); }), err::kInvalidCall);
+}
+
+// A connection string's pairs as every reader of one takes them: a value in braces may hold ";"
+// ("}}" a brace in it), a brace elsewhere is a character, keys match without regard to case and
+// blanks, and the first of a repeated key counts.
+TEST(ConnectionStrings, PairsAndValues) {
+  const struct {
+    const char16_t* connect;
+    const char16_t* key;
+    const char16_t* value;
+  } cases[] = {
+      {u"DRIVER={SQL Server};SERVER=s", u"driver", u"SQL Server"},
+      {u"PWD={a;b}}c};UID=u", u"PWD", u"a;b}}c"},
+      {u"PWD={a;b}}c};UID=u", u"UID", u"u"},
+      {u"Data Source=C:\\{x}\\a.db;Mode=Read", u"Data Source", u"C:\\{x}\\a.db"},
+      {u"Data Source=C:\\{x}\\a.db;Mode=Read", u"MODE", u"Read"},
+      {u"uid=first;UID=second", u"UID", u"first"},
+      {u" Mode = Read ;", u"mode", u"Read"},
+      {u"SERVER=s;", u"DATABASE", u""},
+      {u"no value;DSN=x", u"DSN", u"x"},
+      {u"PWD={open;UID=u", u"UID", u""},  // an unclosed brace runs to the end
+      {u"", u"DSN", u""},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(toUtf8(connectionValue(c.connect, c.key)), toUtf8(c.value))
+        << toUtf8(c.connect) << " " << toUtf8(c.key);
+  }
+  const std::vector<std::u16string_view> pairs = connectionPairs(u"A=1;B = {x;y}}};C;");
+  EXPECT_EQ(pairs, (std::vector<std::u16string_view>{u"A=1", u"B = {x;y}}}", u"C", u""}));
 }
