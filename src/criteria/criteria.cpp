@@ -43,14 +43,20 @@ bool wordish(char16_t c) {
          c == u'_' || c == u'@' || c == u'#' || c == u'$' || c == u'.' || c >= 0x80;
 }
 
-// Whether two characters side by side would read as one token: a value glued to a word or number
-// of the template, "-" after "-" (a comment), "*" after "/" (another), a quote after a quote (one
-// string with a doubled quote). A string after N stays N'...', the same string in Unicode.
-bool joins(char16_t before, char16_t after) {
+// Whether text written so far and a piece after it would read as one token across the seam: a
+// value glued to a word or number of the template, "-" after "-" (a comment), "*" after "/"
+// (another), a quote after a quote (one string with a doubled quote), a number after "1e-" (its
+// exponent). A string after N stays N'...', the same string in Unicode.
+bool joins(std::u16string_view before, char16_t after) {
+  const char16_t last = before.back();
+  // A number after a sign after "e" finishes an exponent ("1e-" and "5": "1e-5").
+  const bool exponent = (last == u'-' || last == u'+') && before.size() >= 2 &&
+                        (before[before.size() - 2] == u'e' || before[before.size() - 2] == u'E') &&
+                        ((after >= u'0' && after <= u'9') || after == u'.');
   // A sign after a word or number could make an exponent of it ("1e" and "-5": "1e-5").
-  return (wordish(before) && (wordish(after) || after == u'-')) ||
-         (before == u'-' && after == u'-') || (before == u'/' && after == u'*') ||
-         (before == u'*' && after == u'/') || (before == u'\'' && after == u'\'');
+  return exponent || (wordish(last) && (wordish(after) || after == u'-')) ||
+         (last == u'-' && after == u'-') || (last == u'/' && after == u'*') ||
+         (last == u'*' && after == u'/') || (last == u'\'' && after == u'\'');
 }
 
 bool startsStatement(std::u16string_view word) {
@@ -133,15 +139,7 @@ std::u16string literal(const Variant& v, std::string& why) {
 // Appends a piece beside a value (`value`: the piece is one, or follows one), a blank between
 // them where they would otherwise read as one token. The template's own pieces join as written.
 void append(std::u16string& out, std::u16string_view piece, bool value) {
-  if (value && !out.empty() && !piece.empty()) {
-    const char16_t last = out.back();
-    // A number after "1e-" of the template would finish its exponent ("1e-" and "5": "1e-5").
-    const bool exponent =
-        (last == u'-' || last == u'+') && out.size() >= 2 &&
-        (out[out.size() - 2] == u'e' || out[out.size() - 2] == u'E') &&
-        ((piece.front() >= u'0' && piece.front() <= u'9') || piece.front() == u'.');
-    if (exponent || joins(last, piece.front())) out += u' ';
-  }
+  if (value && !out.empty() && !piece.empty() && joins(out, piece.front())) out += u' ';
   out += piece;
 }
 

@@ -46,7 +46,10 @@ class EmbeddedConnection final : public ProviderConnection {
 
   std::shared_ptr<Recordset> openSchema(SchemaKind kind) override {
     if (!session_) throw Error::runtime(err::kObjectClosed);
-    return readSchema(*session_, kind);
+    session_->beforeReading();
+    auto rs = readSchema(*session_, kind);
+    session_->afterReading();
+    return rs;
   }
 
   // The catalog is read from the engine's own tables, without a statement of the server's.
@@ -65,9 +68,11 @@ class EmbeddedConnection final : public ProviderConnection {
     }
     affected_ = -1;
     try {
+      session_->beforeReading();
       // Every row the text changed, those of the procedures it calls included.
       const std::int64_t before = session_->totalChanges();
       body();
+      session_->afterReading();
       affected_ = session_->totalChanges() - before;
     } catch (const Error&) {
       throw;

@@ -129,12 +129,9 @@ std::shared_ptr<Recordset> procedures(bool withParameters) {
 std::shared_ptr<Recordset> readSchema(Session& session, SchemaKind kind) {
   switch (kind) {
     case SchemaKind::Tables:
-    case SchemaKind::Columns: {
-      session.beforeReading();
-      auto rs = kind == SchemaKind::Tables ? tables(session.handle()) : columns(session.handle());
-      session.afterReading();
-      return rs;
-    }
+      return tables(session.handle());
+    case SchemaKind::Columns:
+      return columns(session.handle());
     case SchemaKind::Procedures:
       return procedures(false);
     case SchemaKind::ProcedureParameters:

@@ -133,14 +133,12 @@ void Session::afterReading() const {
 
 std::shared_ptr<Recordset> Session::execute(std::u16string_view text) {
   const Tokens tokens(text);
-  beforeReading();
   std::shared_ptr<Recordset> first;
   for (const auto& [begin, end] : tokens.statements()) {
     if (tokens.skip(begin, end) >= end) continue;
     auto result = statement(tokens, begin, end);
     if (!first) first = std::move(result);
   }
-  afterReading();
   return first ? first : std::make_shared<Recordset>();
 }
 
@@ -159,9 +157,7 @@ void Session::executeInto(std::u16string_view text, RecordSink& sink) {
     sink.walk(*rs);
     return;
   }
-  beforeReading();
   if (const auto rs = statement(tokens, only.first, only.second, &sink)) sink.walk(*rs);
-  afterReading();
 }
 
 std::shared_ptr<Recordset> Session::statement(const Tokens& t, std::size_t begin, std::size_t end,

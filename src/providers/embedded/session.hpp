@@ -58,7 +58,9 @@ class Session {
 
   // A connection that reads the file as immutable (no log lay beside it when it opened) trusts
   // it not to change; a writer that came since changes it when it copies its log back. Before a
-  // statement, a changed file is opened afresh; after one, it raises: the rows may be torn.
+  // caller's statement, a changed file is opened afresh; after one, it raises: the rows may be
+  // torn. Called by the provider around what a caller runs, never inside it: a procedure's own
+  // statements run on the connection they began with.
   void beforeReading();
   void afterReading() const;
 
