@@ -1,9 +1,6 @@
-// The cage classes on a real embedded store: round trips of every table, the views, a cage's
-// life and a movement's life.
+// The cage classes on a real embedded store: a cage's life and a movement's life (every table's
+// round trip is the one of all tables).
 #include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
 
 #include "endtoend/store_fixture.hpp"
 #include "vrdppo/cages/cages.hpp"
@@ -16,96 +13,6 @@ using namespace vrdppo::testing;
 namespace {
 
 using CagesStore = StoreTest;
-
-std::vector<TableRoundTrip> roundTrips() {
-  return {
-      {"cage", [] { return std::make_unique<cCagePersist>(); },
-       [](Long key, int v) {
-         return newState<cCagePersist>([&](CageRecord& r) {
-           r.CageId = key;
-           put(r.CageCode, u"O'Neil");
-           r.TareWeight = 85.5 * v;
-           put(r.DeletedFlag, u"N");
-           r.OperatorId = v;
-           r.GreenGradeId = 5;
-           r.GrossWeight = 600;
-           r.NetWeight = 514.5;
-           r.StatusId = 2 * v;
-           r.StatusTS = makeDate(2019, 3, 7, 14, 5 + v);
-           r.PrevOperatorId = 3;
-           r.PrevGreenGradeId = 4 * v;
-           r.PrevGrossWeight = 0.5;
-           r.PrevNetWeight = 0.25;
-           r.PrevStatusId = v;
-           r.PrevStatusTS = v ? makeDate(2019, 3, 6, 23, 59) : makeDate(1900, 1, 1);
-         });
-       },
-       u"CageId"},
-      {"status", [] { return std::make_unique<cCageStatusPersist>(); },
-       [](Long key, int v) {
-         return newState<cCageStatusPersist>([&](CageStatusRecord& r) {
-           r.CageStatusId = key;
-           put(r.CageStatus, u"FULL");
-           put(r.Description, v ? u"Full, waiting to be fed" : u"");
-           r.Sequence = v;
-         });
-       },
-       u"CageStatusId"},
-      {"content", [] { return std::make_unique<cCageContentPersist>(); },
-       [](Long key, int v) {
-         return newState<cCageContentPersist>([&](CageContentRecord& r) {
-           r.CageContentId = key;
-           r.CageId = v;
-           r.GreenGradeId = 7;
-           r.NetWeight = 100.5 * v;
-         });
-       },
-       u"CageContentId"},
-      {"movement", [] { return std::make_unique<cCageMovementPersist>(); },
-       [](Long key, int v) {
-         return newState<cCageMovementPersist>([&](CageMovementRecord& r) {
-           r.CageMovementID = key;
-           put(r.MovementType, v ? u"TRANSFER" : u"");
-           r.MovementTs = v ? makeDate(2019, 3, 7, 14, 5, 9) : makeDate(1900, 1, 1);
-           r.OperatorId = v;
-           r.StationId = 4;
-           r.ShiftNumber = 2 * v;
-           r.ProductionRunId = 77;
-           put(r.Executed, v ? u"N" : u"");
-         });
-       },
-       u"CageMovementID"},
-      {"log", [] { return std::make_unique<cCageLogPersist>(); },
-       [](Long key, int v) {
-         return newState<cCageLogPersist>([&](CageLogRecord& r) {
-           r.CageLogId = key;
-           r.CageId = 3;
-           r.CageMovementID = 9 * v;
-           r.Sequence = v;
-           r.InGreenGradeId = 5;
-           r.InWeight = 0;
-           r.FromStatusId = 1;
-           r.OutGreenGradeId = 6 * v;
-           r.OutWeight = 20.5 * v;
-           r.ToStatusId = 2;
-           r.CageGross = 110;
-           r.CageTare = 10 * v;
-           r.CageNet = 100;
-           put(r.CardPrinted, v ? u"Y" : u"");
-         });
-       },
-       u"CageLogId"},
-      {"comment", [] { return std::make_unique<cCageMoveCommentPersist>(); },
-       [](Long key, int v) {
-         return newState<cCageMoveCommentPersist>([&](CageMoveCommentRecord& r) {
-           r.CageMoveCommentID = key;
-           r.CageMovementID = 9;
-           put(r.Comment, v ? u"Say \"hi\" at 6 o'clock" : u"");
-         });
-       },
-       u"CageMoveCommentID"},
-  };
-}
 
 Long greenGrade(const std::u16string& connect, std::u16string_view code) {
   cGreenGradePersist g;
@@ -125,10 +32,6 @@ Long cageStatus(const std::u16string& connect, std::u16string_view code, Long se
 }
 
 }  // namespace
-
-TEST_F(CagesStore, EveryTableCommitsLoadsUpdatesAndDeletes) {
-  expectRoundTrips(roundTrips(), connect);
-}
 
 TEST_F(CagesStore, ACagesLife) {
   const Long empty = cageStatus(connect, u"EMPTY", 1);

@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -76,40 +74,6 @@ std::vector<typename std::remove_reference_t<decltype(std::declval<Class&>().rec
     rows.push_back(o.record());
   }
   return rows;
-}
-
-// A table class's record in two versions, so that an update shows.
-struct TableRoundTrip {
-  const char* name;
-  std::function<std::unique_ptr<TableObject>()> make;
-  std::function<std::u16string(Long key, int version)> state;
-  std::u16string key;  // as a criteria names it
-};
-
-// Each record committed (an insert), loaded by its new key, committed again (an update), loaded,
-// deleted: the loaded states must be exactly what was committed, the key filled in.
-inline void expectRoundTrips(const std::vector<TableRoundTrip>& trips,
-                             const std::u16string& connect) {
-  for (const auto& c : trips) {
-    SCOPED_TRACE(c.name);
-    auto o = c.make();
-    ASSERT_TRUE(o->Commit(c.state(0, 0), connect));
-    const Long key = o->key();
-    ASSERT_GT(key, 0);
-    const std::u16string where = c.key + u" = " + longText(key);
-    Buffer b;
-    b.SetState(o->Load(where, connect));
-    ASSERT_EQ(b.Count(), 1);
-    EXPECT_EQ(b.Item(1), c.state(key, 0));
-
-    ASSERT_TRUE(o->Commit(c.state(key, 1), connect));
-    b.SetState(o->Load(where, connect));
-    ASSERT_EQ(b.Count(), 1);
-    EXPECT_EQ(b.Item(1), c.state(key, 1));
-
-    ASSERT_TRUE(o->Delete(c.state(key, 1), connect));
-    EXPECT_EQ(o->Load(where, connect).size(), 9u);
-  }
 }
 
 }  // namespace vrdppo::testing

@@ -1,6 +1,6 @@
-// The laboratory classes end to end on a real embedded store: every table through its public
-// operations, every view against what was written, the header lock, the notes and the calls
-// that the store's procedures answer.
+// The laboratory classes end to end on a real embedded store: every view against what was
+// written, the header lock, the notes and the calls that the store's procedures answer (every
+// table's round trip is the one of all tables).
 #include <cstdlib>
 #include <ctime>
 #include <optional>
@@ -22,109 +22,6 @@
 
 using namespace vrdppo;
 using namespace vrdppo::testing;
-
-namespace {
-
-std::vector<std::u16string> records(const std::u16string& state) {
-  Buffer b;
-  b.SetState(state);
-  std::vector<std::u16string> out;
-  for (std::int32_t i = 1; i <= b.Count(); ++i) out.push_back(b.Item(i));
-  return out;
-}
-
-// Every column but the key holds a value of its own, strings with both kinds of quote where
-// they have room, so that a round trip shows each column written and read back in its place.
-void fill(PersistObject& o, int seed) {
-  const RecordLayout& l = o.layout();
-  initialiseRecord(l, o.recordBytes());
-  for (std::size_t i = 1; i < l.columns.size(); ++i) {
-    const Column& c = l.columns[i];
-    const int n = seed + static_cast<int>(i);
-    switch (c.type) {
-      case FieldType::Long:
-        storeField(c, o.recordBytes(), Variant(n));
-        break;
-      case FieldType::Double:
-        storeField(c, o.recordBytes(), Variant(n + 0.5));
-        break;
-      case FieldType::Currency:
-        storeField(c, o.recordBytes(), Variant(Currency{n * 12345LL}));
-        break;
-      case FieldType::Date:
-        storeField(c, o.recordBytes(), Variant(makeDate(2019, 3, 7, 14, n % 60, 9)));
-        break;
-      case FieldType::String: {
-        const std::u16string text = u"'\"" + ascii(std::to_string(n));
-        storeField(c, o.recordBytes(), Variant(text.substr(0, c.length)));
-        break;
-      }
-    }
-  }
-}
-
-const char* const kTables[] = {
-    "cLabHeaderPersist",     "cLabSettingPersist",       "cLabSettingSnapshotPersist",
-    "cLabPackedPersist",     "cLabPackedSumPersist",     "cLabDegradationPersist",
-    "cLabDegSumPersist",     "cLabGreenMoisturePersist", "cLabGreenMoistSumPersist",
-    "cLabStemLengthPersist", "cLabInfraalyzerPersist",   "cLabMoisturePersist",
-    "cLabBiasPersist",       "cLabForeignPersist",       "cLabAdviceNotePersist",
-};
-
-using LabStore = StoreTest;
-
-}  // namespace
-
-TEST_F(LabStore, EveryTableCommitsLoadsUpdatesAndDeletes) {
-  for (const char* name : kTables) {
-    SCOPED_TRACE(name);
-    auto o = registry::create(name);
-    auto& t = static_cast<TableObject&>(*o);
-    fill(t, 1);
-    const std::u16string keyColumn(t.layout().columns[0].write);
-
-    ASSERT_TRUE(t.Commit(t.GetState(), connect));
-    const Long key = t.key();
-    ASSERT_GT(key, 0);
-    const std::u16string inserted = t.GetState();
-    const std::u16string byKey = keyColumn + u" = " + longText(key);
-    EXPECT_EQ(records(t.Load(byKey, connect, 0)), std::vector<std::u16string>{inserted});
-
-    fill(t, 7);
-    t.setKey(key);
-    const std::u16string changed = t.GetState();
-    ASSERT_TRUE(t.Commit(changed, connect));
-    EXPECT_EQ(t.key(), key);
-    EXPECT_EQ(records(t.Load(byKey, connect, 0)), std::vector<std::u16string>{changed});
-
-    ASSERT_TRUE(t.Delete(changed, connect));
-    const auto left = records(t.Load(byKey, connect, 0));
-    if (t.config().deleteStyle == DeleteStyle::Soft) {
-      ASSERT_EQ(left.size(), 1u);  // flagged, not gone
-      o->SetState(left[0]);
-      EXPECT_EQ(t.FieldValue(u"DeletedFlag"), u"'Y'");
-      EXPECT_TRUE(t.CriteriaDelete(u"", connect, byKey, true));
-    } else {
-      EXPECT_TRUE(left.empty());
-      fill(t, 3);
-      t.setKey(0);
-      ASSERT_TRUE(t.Commit(t.GetState(), connect));
-      EXPECT_TRUE(t.CriteriaDelete(u"", connect, u"  "));  // blank criteria empty the table
-    }
-    EXPECT_TRUE(records(t.Load(u"", connect, 0)).empty());
-  }
-}
-
-TEST_F(LabStore, ZeroAndBlankValuesComeBackAsTheInitialiserLeftThem) {
-  for (const char* name : kTables) {
-    SCOPED_TRACE(name);
-    auto o = registry::create(name);
-    auto& t = static_cast<TableObject&>(*o);
-    initialiseRecord(t.layout(), t.recordBytes());
-    ASSERT_TRUE(t.Commit(t.GetState(), connect));
-    EXPECT_EQ(records(t.Load(u"", connect, 1)), std::vector<std::u16string>{t.GetState()});
-  }
-}
 
 namespace {
 
