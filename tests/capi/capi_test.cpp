@@ -165,6 +165,9 @@ TEST(CInterfaceCatalogue, IndicesOutOfRangeAreStatuses) {
   EXPECT_EQ(vrdppo_class_info_get(0, nullptr, &st), err::kInvalidCall);
 }
 
+// A whole request: a new record is the initialiser's, for vrdppo_record_new and a new object
+// alike; Commit, Load by dispatch identifier and Delete, each telling the rows it touched, and a
+// Delete of a key no row has touching none.
 TEST_F(CInterface, AWholeRequestOnTheStore) {
   Status st;
   const std::string path8 = path;
@@ -174,9 +177,23 @@ TEST_F(CInterface, AWholeRequestOnTheStore) {
   ASSERT_EQ(vrdppo_session_set(VRDPPO_SESSION_CONNECT_STRING, &cs, &st), 0);
   EXPECT_EQ(dbHelp::ConnectString, connect);
 
+  const int32_t index = vrdppo_class_find("cStemsPersist");
+  Value fresh;
+  ASSERT_EQ(vrdppo_record_new(index, &fresh, &st), 0) << st.text();
+  StemsRecord zero{};
+  EXPECT_EQ(text16(fresh).size(), stemState(0, 0, 0).size());
+  EXPECT_NE(std::memcmp(text16(fresh).data(), &zero, sizeof zero), 0);
+  Value none;
+  EXPECT_EQ(vrdppo_record_new(-1, &none, &st), err::kInvalidCall);
+  EXPECT_EQ(vrdppo_record_new(index, nullptr, &st), err::kInvalidCall);
+
   Object stems;
   ASSERT_EQ(vrdppo_create("cStemsPersist", &stems.p, &st), 0) << st.text();
-  EXPECT_EQ(vrdppo_object_class(stems.p), vrdppo_class_find("cStemsPersist"));
+  EXPECT_EQ(vrdppo_object_class(stems.p), index);
+  Value got;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "GetState", nullptr, 0, &got, &st), 0);
+  EXPECT_EQ(text16(got), text16(fresh));
+  EXPECT_EQ(vrdppo_last_records_affected(), -1);  // GetState ran no statement
 
   const std::u16string state = stemState(0, 125.5, 77);
   vrdppo_value commitArgs[] = {str16(state), str16(connect)};
@@ -184,6 +201,7 @@ TEST_F(CInterface, AWholeRequestOnTheStore) {
   ASSERT_EQ(vrdppo_invoke(stems.p, "commit", commitArgs, 2, &ok, &st), 0) << st.text();
   ASSERT_EQ(ok.type, VRDPPO_BOOLEAN);
   EXPECT_EQ(ok.u.boolean, 1);
+  EXPECT_EQ(vrdppo_last_records_affected(), 1);
 
   Value after;
   ASSERT_EQ(vrdppo_invoke(stems.p, "GetState", nullptr, 0, &after, &st), 0);
@@ -192,7 +210,6 @@ TEST_F(CInterface, AWholeRequestOnTheStore) {
   std::memcpy(&record, saved.data(), sizeof record);
   EXPECT_GT(record.StemsId, 0);
 
-  // Load by dispatch identifier.
   const ClassInfo& c = *registry::find("cStemsPersist");
   const int32_t loadId = c.member("Load")->dispatchId;
   vrdppo_value loadArgs[] = {str8("ProductionRunId = 77"), str16(connect)};
@@ -206,46 +223,14 @@ TEST_F(CInterface, AWholeRequestOnTheStore) {
   vrdppo_value deleteArgs[] = {str16(saved), str16(connect)};
   Value deleted;
   ASSERT_EQ(vrdppo_invoke(stems.p, "Delete", deleteArgs, 2, &deleted, &st), 0) << st.text();
-  Value none;
-  ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &none, &st), 0);
-  EXPECT_TRUE(rowsOf<cStemsPersist>(text16(none)).empty());
-}
-
-// A new record is the initialiser's, for vrdppo_record_new and a new object alike; the rows a
-// Commit or Delete wrote are told, and a Delete of a key no row has touches none.
-TEST_F(CInterface, NewRecordsAndRowsTouched) {
-  Status st;
-  const int32_t index = vrdppo_class_find("cStemsPersist");
-  Value fresh;
-  ASSERT_EQ(vrdppo_record_new(index, &fresh, &st), 0) << st.text();
-  const std::u16string expected = stemState(0, 0, 0);
-  StemsRecord zero{};
-  std::u16string initialised = text16(fresh);
-  EXPECT_EQ(initialised.size(), expected.size());
-  EXPECT_NE(std::memcmp(initialised.data(), &zero, sizeof zero), 0);
-  Object stems;
-  ASSERT_EQ(vrdppo_create("cStemsPersist", &stems.p, &st), 0);
-  Value got;
-  ASSERT_EQ(vrdppo_invoke(stems.p, "GetState", nullptr, 0, &got, &st), 0);
-  EXPECT_EQ(text16(got), initialised);
-  Value none;
-  EXPECT_EQ(vrdppo_record_new(-1, &none, &st), err::kInvalidCall);
-  EXPECT_EQ(vrdppo_record_new(index, nullptr, &st), err::kInvalidCall);
-
-  EXPECT_EQ(vrdppo_last_records_affected(), -1);  // GetState ran no statement
-  const std::u16string state = stemState(0, 125.5, 77);
-  vrdppo_value commitArgs[] = {str16(state), str16(connect)};
-  Value ok;
-  ASSERT_EQ(vrdppo_invoke(stems.p, "Commit", commitArgs, 2, &ok, &st), 0) << st.text();
   EXPECT_EQ(vrdppo_last_records_affected(), 1);
-  const std::u16string nobody = stemState(987654, 1, 77);
-  vrdppo_value deleteArgs[] = {str16(nobody), str16(connect)};
-  Value deleted;
   ASSERT_EQ(vrdppo_invoke(stems.p, "Delete", deleteArgs, 2, &deleted, &st), 0) << st.text();
   EXPECT_EQ(vrdppo_last_records_affected(), 0);
+  Value empty;
+  ASSERT_EQ(vrdppo_invoke(stems.p, "Load", loadArgs, 2, &empty, &st), 0);
+  EXPECT_TRUE(rowsOf<cStemsPersist>(text16(empty)).empty());
 
   // The figure of the call itself, whatever the thread runs after it; -1 for a call that failed.
-  const ClassInfo& c = *registry::find("cStemsPersist");
   const int32_t commitId = c.member("Commit")->dispatchId;
   std::int64_t affected = 99;
   Value again;
