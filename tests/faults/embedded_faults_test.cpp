@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "endtoend/store_fixture.hpp"
+#include "outcomes.hpp"
 #include "seam.hpp"
 #include "vrdppo/error.hpp"
 #include "vrdppo/reference/types.hpp"
@@ -16,18 +17,10 @@ namespace vrdppo::testing {
 
 namespace {
 
-std::u16string stemClass(Long key, std::u16string_view description) {
-  return newState<cStemClassPersist>([&](StemClassRecord& r) {
-    r.StemClassId = key;
-    put(r.Description, description);
-    put(r.DeletedFlag, u"N");
-  });
-}
-
 // The descriptions in the store, by key, read without faults.
-std::map<Long, std::u16string> rows(const std::u16string& connect) {
+Rows rows(const std::u16string& connect) {
   cStemClassPersist o;
-  std::map<Long, std::u16string> out;
+  Rows out;
   for (const auto& r : rowsOf<cStemClassPersist>(o.Load(u"", connect)))
     out[r.StemClassId] = text(r.Description);
   return out;
@@ -53,9 +46,8 @@ class EmbeddedFaults : public StoreTest {
 
   // Fails the operation's k-th call for k = 1, 2, ... until it runs through without reaching k;
   // `check` judges the store after each. Returns the number of faults injected.
-  long sweep(
-      bool cold, const std::function<bool(cStemClassPersist&, Outcome&)>& operation,
-      const std::function<void(const Outcome&, const std::map<Long, std::u16string>&)>& check) {
+  long sweep(bool cold, const std::function<bool(cStemClassPersist&, Outcome&)>& operation,
+             const std::function<void(const Outcome&, const Rows&)>& check) {
     long injected = 0;
     for (long k = 1;; ++k) {
       reset();
@@ -98,7 +90,7 @@ TEST_F(EmbeddedFaults, EveryCallOfCommitLoadAndDeleteFailsCleanly) {
         [&](cStemClassPersist& o, Outcome&) {
           return o.Commit(stemClass(0, u"inserted"), connect);
         },
-        [](const Outcome& out, const std::map<Long, std::u16string>& now) {
+        [](const Outcome& out, const Rows& now) {
           EXPECT_EQ(now.at(1), u"before");
           if (!out.raised) {
             EXPECT_EQ(now.size(), 2u);
@@ -113,13 +105,7 @@ TEST_F(EmbeddedFaults, EveryCallOfCommitLoadAndDeleteFailsCleanly) {
     total += sweep(
         cold,
         [&](cStemClassPersist& o, Outcome&) { return o.Commit(stemClass(1, u"after"), connect); },
-        [](const Outcome& out, const std::map<Long, std::u16string>& now) {
-          ASSERT_EQ(now.size(), 1u);
-          if (!out.raised) {
-            EXPECT_EQ(now.at(1), u"after");
-          }
-          EXPECT_TRUE(now.at(1) == u"before" || now.at(1) == u"after") << toUtf8(now.at(1));
-        });
+        [](const Outcome& out, const Rows& now) { expectUpdated(out.raised, now); });
     // A load: an error, or the row exactly.
     total += sweep(
         cold,
@@ -127,22 +113,15 @@ TEST_F(EmbeddedFaults, EveryCallOfCommitLoadAndDeleteFailsCleanly) {
           out.loaded = o.Load(u"StemClassId = 1", connect);
           return true;
         },
-        [](const Outcome& out, const std::map<Long, std::u16string>& now) {
-          EXPECT_EQ(now.size(), 1u);
-          if (out.raised) return;
-          const auto loaded = rowsOf<cStemClassPersist>(out.loaded);
-          ASSERT_EQ(loaded.size(), 1u);
-          EXPECT_EQ(text(loaded[0].Description), u"before");
+        [](const Outcome& out, const Rows& now) {
+          const auto loaded =
+              out.raised ? std::vector<StemClassRecord>{} : rowsOf<cStemClassPersist>(out.loaded);
+          expectLoaded(out.raised, loaded.size() == 1 ? text(loaded[0].Description) : u"", now);
         });
     // A delete: the row is gone, or there whole when Delete raised.
     total += sweep(
         cold, [&](cStemClassPersist& o, Outcome&) { return o.Delete(stemClass(1, u""), connect); },
-        [](const Outcome& out, const std::map<Long, std::u16string>& now) {
-          if (!out.raised) {
-            EXPECT_TRUE(now.empty());
-          }
-          for (const auto& [key, d] : now) EXPECT_EQ(d, u"before");
-        });
+        [](const Outcome& out, const Rows& now) { expectDeleted(out.raised, now); });
   }
   std::printf("%ld SQLite faults injected\n", total);
   EXPECT_GT(total, 20);

@@ -10,6 +10,7 @@
 #include <map>
 
 #include "endtoend/store_fixture.hpp"
+#include "outcomes.hpp"
 #include "providers/odbc_test_support.hpp"
 #include "seam.hpp"
 #include "vrdppo/error.hpp"
@@ -18,14 +19,6 @@
 namespace vrdppo::testing {
 
 namespace {
-
-std::u16string stemClass(Long key, std::u16string_view description) {
-  return newState<cStemClassPersist>([&](StemClassRecord& r) {
-    r.StemClassId = key;
-    put(r.Description, description);
-    put(r.DeletedFlag, u"N");
-  });
-}
 
 class OdbcFaults : public ::testing::Test {
  protected:
@@ -43,8 +36,8 @@ class OdbcFaults : public ::testing::Test {
     connection.Close();
     return rs;
   }
-  std::map<Long, std::u16string> rows() {
-    std::map<Long, std::u16string> out;
+  Rows rows() {
+    Rows out;
     const auto rs = run(u"SELECT * FROM STEMCLASS");
     for (cStemClassPersist o; !rs->EOF_(); rs->MoveNext()) {
       o.RecordToObj(*rs);
@@ -53,9 +46,9 @@ class OdbcFaults : public ::testing::Test {
     return out;
   }
 
-  long sweep(const std::function<bool(cStemClassPersist&, std::u16string&)>& operation,
-             const std::function<void(bool raised, const std::u16string& loaded,
-                                      const std::map<Long, std::u16string>&)>& check) {
+  long sweep(
+      const std::function<bool(cStemClassPersist&, std::u16string&)>& operation,
+      const std::function<void(bool raised, const std::u16string& loaded, const Rows&)>& check) {
     long injected = 0;
     for (long k = 1;; ++k) {
       run(u"DELETE FROM STEMCLASS");
@@ -99,13 +92,7 @@ TEST_F(OdbcFaults, EveryCallOfCommitLoadAndDeleteFailsCleanly) {
         run(u"UPDATE STEMCLASS SET " + o.UpdateFields() + u" WHERE STEMCLASSID = 1");
         return true;
       },
-      [](bool raised, const std::u16string&, const std::map<Long, std::u16string>& now) {
-        ASSERT_EQ(now.size(), 1u);
-        if (!raised) {
-          EXPECT_EQ(now.at(1), u"after");
-        }
-        EXPECT_TRUE(now.at(1) == u"before" || now.at(1) == u"after");
-      });
+      [](bool raised, const std::u16string&, const Rows& now) { expectUpdated(raised, now); });
   total += sweep(
       [&](cStemClassPersist& o, std::u16string& loaded) {
         const auto rs = run(u"SELECT * FROM STEMCLASS WHERE StemClassId = 1");
@@ -115,22 +102,13 @@ TEST_F(OdbcFaults, EveryCallOfCommitLoadAndDeleteFailsCleanly) {
         }
         return true;
       },
-      [](bool raised, const std::u16string& loaded, const std::map<Long, std::u16string>& now) {
-        EXPECT_EQ(now.size(), 1u);
-        if (raised) return;
-        EXPECT_EQ(loaded, u"before");
-      });
+      expectLoaded);
   total += sweep(
       [&](cStemClassPersist&, std::u16string&) {
         run(u"DELETE FROM STEMCLASS WHERE STEMCLASSID = 1");
         return true;
       },
-      [](bool raised, const std::u16string&, const std::map<Long, std::u16string>& now) {
-        if (!raised) {
-          EXPECT_TRUE(now.empty());
-        }
-        for (const auto& [key, d] : now) EXPECT_EQ(d, u"before");
-      });
+      [](bool raised, const std::u16string&, const Rows& now) { expectDeleted(raised, now); });
   std::printf("%ld driver-manager faults injected\n", total);
   EXPECT_GT(total, 10);
 }
